@@ -1,0 +1,24 @@
+// The composition root: creates the long-lived objects, wires them and loads the views.
+#include "formatters.h"
+#include "systemclock.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QUrl>
+
+int main(int argc, char *argv[])
+{
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
+    QGuiApplication::setOrganizationName(QStringLiteral("Kairon"));
+
+    SystemClock clock;
+    Fmt::setTimeZone(clock.timeZone());
+
+    QQmlApplicationEngine qml;
+    QObject::connect(
+        &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
+        [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
+    qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
+    return app.exec();
+}

@@ -1,0 +1,289 @@
+#include "showcodec.h"
+
+#include "internetdate.h"
+#include "uuidtext.h"
+
+#include <QJsonArray>
+
+namespace ShowCodec {
+
+// ---- Writing -------------------------------------------------------------------------------
+
+namespace {
+
+template <typename T, typename Convert>
+void insertIfPresent(QJsonObject &o, QLatin1StringView key, const std::optional<T> &value,
+                     Convert convert)
+{
+    if (value)
+        o.insert(key, convert(*value));
+}
+
+QJsonValue text(const QString &s) { return s; }
+QJsonValue number(double d) { return d; }
+QJsonValue date(const QDateTime &d) { return InternetDate::format(d); }
+
+} // namespace
+
+QJsonObject encode(const Cue &cue)
+{
+    QJsonObject o{
+        {QLatin1StringView("id"), UuidText::canonical(cue.id)},
+        {QLatin1StringView("name"), cue.name},
+        {QLatin1StringView("speaker"), cue.speaker},
+        {QLatin1StringView("mode"), TimerModes::rawValue(cue.mode)},
+        {QLatin1StringView("duration"), cue.duration},
+        {QLatin1StringView("warningThreshold"), cue.warningThreshold},
+        {QLatin1StringView("dangerThreshold"), cue.dangerThreshold},
+        {QLatin1StringView("autoFollow"), cue.autoFollow},
+        {QLatin1StringView("notes"), cue.notes},
+    };
+    insertIfPresent(o, QLatin1StringView("hardOutTime"), cue.hardOutTime, date);
+    insertIfPresent(o, QLatin1StringView("colorHex"), cue.colorHex, text);
+    insertIfPresent(o, QLatin1StringView("actualElapsed"), cue.actualElapsed, number);
+    insertIfPresent(o, QLatin1StringView("overtime"), cue.overtime, number);
+    return o;
+}
+
+QJsonObject encode(const TimerSession &session)
+{
+    QJsonArray cues;
+    for (const Cue &cue : session.cues)
+        cues.append(encode(cue));
+    QJsonObject o{
+        {QLatin1StringView("id"), UuidText::canonical(session.id)},
+        {QLatin1StringView("name"), session.name},
+        {QLatin1StringView("cues"), cues},
+        {QLatin1StringView("createdAt"), date(session.createdAt)},
+        {QLatin1StringView("updatedAt"), date(session.updatedAt)},
+    };
+    insertIfPresent(o, QLatin1StringView("client"), session.client, text);
+    insertIfPresent(o, QLatin1StringView("venue"), session.venue, text);
+    insertIfPresent(o, QLatin1StringView("operatorName"), session.operatorName, text);
+    insertIfPresent(o, QLatin1StringView("eventDate"), session.eventDate, date);
+    insertIfPresent(o, QLatin1StringView("notes"), session.notes, text);
+    return o;
+}
+
+QJsonObject encode(const CueTemplate &t)
+{
+    return QJsonObject{
+        {QLatin1StringView("id"), UuidText::canonical(t.id)},
+        {QLatin1StringView("name"), t.name},
+        {QLatin1StringView("duration"), t.duration},
+        {QLatin1StringView("warningThreshold"), t.warningThreshold},
+        {QLatin1StringView("dangerThreshold"), t.dangerThreshold},
+    };
+}
+
+QJsonObject encode(const PresetMessage &m)
+{
+    return QJsonObject{
+        {QLatin1StringView("id"), UuidText::canonical(m.id)},
+        {QLatin1StringView("text"), m.text},
+        {QLatin1StringView("urgent"), m.urgent},
+    };
+}
+
+// ---- Reading -------------------------------------------------------------------------------
+
+namespace {
+
+struct DecodeFailure {
+    QString message;
+};
+
+// Reads the keys of one JSON object. `where` names the object in error messages
+// ("" for the show itself, " du cue 2" for a cue).
+class ObjectReader
+{
+public:
+    ObjectReader(const QJsonObject &object, QString where)
+        : m_object(object), m_where(std::move(where))
+    {
+    }
+
+    // Absent when the key is missing or null; a failure when the value has another type.
+    std::optional<QString> text(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("un texte"), [](const QJsonValue &v) {
+            return v.isString() ? std::optional(v.toString()) : std::nullopt;
+        });
+    }
+    std::optional<double> number(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("un nombre"), [](const QJsonValue &v) {
+            return v.isDouble() ? std::optional(v.toDouble()) : std::nullopt;
+        });
+    }
+    std::optional<bool> boolean(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("un booléen (true ou false)"), [](const QJsonValue &v) {
+            return v.isBool() ? std::optional(v.toBool()) : std::nullopt;
+        });
+    }
+    std::optional<QDateTime> date(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("une date de la forme 2026-11-15T18:20:00Z"),
+                    [](const QJsonValue &v) {
+                        return v.isString() ? InternetDate::parse(v.toString()) : std::nullopt;
+                    });
+    }
+    std::optional<QUuid> uuid(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("un identifiant UUID"), [](const QJsonValue &v) {
+            return v.isString() ? UuidText::parse(v.toString()) : std::nullopt;
+        });
+    }
+    std::optional<QJsonArray> array(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("une liste"), [](const QJsonValue &v) {
+            return v.isArray() ? std::optional(v.toArray()) : std::nullopt;
+        });
+    }
+    std::optional<TimerMode> mode(QLatin1StringView key) const
+    {
+        const std::optional<QString> raw = text(key);
+        if (!raw)
+            return std::nullopt;
+        if (const auto mode = TimerModes::fromRawValue(*raw))
+            return mode;
+        throw DecodeFailure{QStringLiteral("le mode « %1 »%2 est inconnu (attendu « duration » "
+                                           "ou « hardOut »)")
+                                .arg(*raw, m_where)};
+    }
+
+    // For strict readers: a missing key is a failure too.
+    template <typename T>
+    T required(std::optional<T> value, QLatin1StringView key) const
+    {
+        if (!value)
+            throw DecodeFailure{
+                QStringLiteral("la clé « %1 »%2 manque").arg(QString(key), m_where)};
+        return *value;
+    }
+
+private:
+    template <typename Convert>
+    auto read(QLatin1StringView key, const QString &expected, Convert convert) const
+        -> decltype(convert(QJsonValue()))
+    {
+        const QJsonValue v = m_object.value(key);
+        if (v.isUndefined() || v.isNull())
+            return std::nullopt;
+        auto converted = convert(v);
+        if (!converted)
+            throw DecodeFailure{QStringLiteral("la valeur « %1 »%2 devrait être %3")
+                                    .arg(QString(key), m_where, expected)};
+        return converted;
+    }
+
+    const QJsonObject &m_object;
+    QString m_where;
+};
+
+Cue readCue(const QJsonObject &object, const QString &where)
+{
+    const ObjectReader r(object, where);
+    Cue cue;
+    cue.id = r.uuid(QLatin1StringView("id")).value_or(QUuid::createUuid());
+    cue.name = r.text(QLatin1StringView("name")).value_or(QStringLiteral("Cue"));
+    cue.speaker = r.text(QLatin1StringView("speaker")).value_or(QString());
+    cue.mode = r.mode(QLatin1StringView("mode")).value_or(TimerMode::Duration);
+    cue.duration = r.number(QLatin1StringView("duration")).value_or(600);
+    cue.hardOutTime = r.date(QLatin1StringView("hardOutTime"));
+    cue.warningThreshold = r.number(QLatin1StringView("warningThreshold")).value_or(120);
+    cue.dangerThreshold = r.number(QLatin1StringView("dangerThreshold")).value_or(30);
+    cue.autoFollow = r.boolean(QLatin1StringView("autoFollow")).value_or(false);
+    cue.notes = r.text(QLatin1StringView("notes")).value_or(QString());
+    cue.colorHex = r.text(QLatin1StringView("colorHex"));
+    cue.actualElapsed = r.number(QLatin1StringView("actualElapsed"));
+    cue.overtime = r.number(QLatin1StringView("overtime"));
+    return cue;
+}
+
+TimerSession readSession(const QJsonObject &object, const QDateTime &now)
+{
+    const ObjectReader r(object, QString());
+    TimerSession session(now);
+    session.id = r.uuid(QLatin1StringView("id")).value_or(QUuid::createUuid());
+    session.name = r.text(QLatin1StringView("name")).value_or(QStringLiteral("Projet"));
+    const QJsonArray cues = r.array(QLatin1StringView("cues")).value_or(QJsonArray());
+    session.cues.reserve(cues.size());
+    for (qsizetype i = 0; i < cues.size(); ++i) {
+        const QString where = QStringLiteral(" du cue %1").arg(i + 1);
+        if (!cues[i].isObject())
+            throw DecodeFailure{QStringLiteral("le cue %1 devrait être un objet").arg(i + 1)};
+        session.cues.append(readCue(cues[i].toObject(), where));
+    }
+    session.createdAt = r.date(QLatin1StringView("createdAt")).value_or(now);
+    session.updatedAt = r.date(QLatin1StringView("updatedAt")).value_or(now);
+    session.client = r.text(QLatin1StringView("client"));
+    session.venue = r.text(QLatin1StringView("venue"));
+    session.operatorName = r.text(QLatin1StringView("operatorName"));
+    session.eventDate = r.date(QLatin1StringView("eventDate"));
+    session.notes = r.text(QLatin1StringView("notes"));
+    return session;
+}
+
+CueTemplate readTemplate(const QJsonObject &object)
+{
+    const ObjectReader r(object, QStringLiteral(" du modèle"));
+    CueTemplate t;
+    t.id = r.required(r.uuid(QLatin1StringView("id")), QLatin1StringView("id"));
+    t.name = r.required(r.text(QLatin1StringView("name")), QLatin1StringView("name"));
+    t.duration = r.required(r.number(QLatin1StringView("duration")), QLatin1StringView("duration"));
+    t.warningThreshold = r.required(r.number(QLatin1StringView("warningThreshold")),
+                                    QLatin1StringView("warningThreshold"));
+    t.dangerThreshold = r.required(r.number(QLatin1StringView("dangerThreshold")),
+                                   QLatin1StringView("dangerThreshold"));
+    return t;
+}
+
+PresetMessage readPresetMessage(const QJsonObject &object)
+{
+    const ObjectReader r(object, QStringLiteral(" du message"));
+    PresetMessage m;
+    m.id = r.required(r.uuid(QLatin1StringView("id")), QLatin1StringView("id"));
+    m.text = r.required(r.text(QLatin1StringView("text")), QLatin1StringView("text"));
+    m.urgent = r.required(r.boolean(QLatin1StringView("urgent")), QLatin1StringView("urgent"));
+    return m;
+}
+
+// Runs one reader and turns its failure into an absent result and an error text.
+template <typename Read>
+auto decodeWith(Read read, QString *error) -> std::optional<decltype(read())>
+{
+    try {
+        return read();
+    } catch (const DecodeFailure &failure) {
+        if (error)
+            *error = failure.message;
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+std::optional<TimerSession> decodeSession(const QJsonObject &object, const QDateTime &now,
+                                          QString *error)
+{
+    return decodeWith([&] { return readSession(object, now); }, error);
+}
+
+std::optional<Cue> decodeCue(const QJsonObject &object, QString *error)
+{
+    return decodeWith([&] { return readCue(object, QString()); }, error);
+}
+
+std::optional<CueTemplate> decodeTemplate(const QJsonObject &object, QString *error)
+{
+    return decodeWith([&] { return readTemplate(object); }, error);
+}
+
+std::optional<PresetMessage> decodePresetMessage(const QJsonObject &object, QString *error)
+{
+    return decodeWith([&] { return readPresetMessage(object); }, error);
+}
+
+} // namespace ShowCodec

@@ -1,0 +1,282 @@
+#pragma once
+
+#include "alertplayer.h"
+#include "clock.h"
+#include "cue.h"
+#include "cuelogentry.h"
+#include "cuetemplate.h"
+#include "presetmessage.h"
+#include "timersession.h"
+#include "timerstatesnapshot.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QUuid>
+#include <QVariant>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+// The one engine of the application: it owns the open show, runs the cue clock, fires the
+// threshold alerts, follows on to the next cue, and publishes its state to the views (as
+// properties) and to remote control (through the state hook).
+//
+// Everything runs on the thread that owns it, the main thread. Operations never report
+// errors: an index out of range, an unknown id, an empty undo stack or a locked show makes
+// them do nothing.
+//
+// Time comes from the injected clock. The elapsed time of a cue is measured on the monotonic
+// clock, so a step of the wall clock (an NTP correction, the operator setting the time) never
+// makes a duration cue jump; hard-out and doors targets are times of day, so they follow the
+// wall clock like the clock on the wall of the venue.
+class TimerEngine : public QObject
+{
+    Q_OBJECT
+
+    Q_PROPERTY(TimerSession session READ session NOTIFY sessionChanged FINAL)
+    // -1 when nothing is selected
+    Q_PROPERTY(int selectedCueIndex READ selectedCueRow WRITE setSelectedCueRow
+                   NOTIFY selectedCueIndexChanged FINAL)
+    // Canonical id text, empty when no cue is active.
+    Q_PROPERTY(QString activeCueID READ activeCueIDText NOTIFY activeCueChanged FINAL)
+    Q_PROPERTY(int activeCueIndex READ activeCueRow NOTIFY activeCueChanged FINAL) // -1: none
+    Q_PROPERTY(QVariant activeCue READ activeCueVariant NOTIFY activeCueChanged FINAL)
+    Q_PROPERTY(QVariant nextCue READ nextCueVariant NOTIFY activeCueChanged FINAL)
+    Q_PROPERTY(bool isRunning READ isRunning NOTIFY runStateChanged FINAL)
+    Q_PROPERTY(bool isPaused READ isPaused NOTIFY runStateChanged FINAL)
+    // Seconds; these change together on every tick.
+    Q_PROPERTY(double remaining READ remaining NOTIFY clockChanged FINAL)
+    Q_PROPERTY(double elapsed READ elapsed NOTIFY clockChanged FINAL)
+    Q_PROPERTY(double plannedDuration READ plannedDuration NOTIFY clockChanged FINAL)
+    Q_PROPERTY(double totalOvertime READ totalOvertime NOTIFY clockChanged FINAL)
+    Q_PROPERTY(double remainingDayDuration READ remainingDayDuration NOTIFY clockChanged FINAL)
+    Q_PROPERTY(QDateTime projectedDayEnd READ projectedDayEnd NOTIFY clockChanged FINAL)
+    Q_PROPERTY(QVariant currentMessage READ currentMessageVariant NOTIFY messageChanged FINAL)
+    Q_PROPERTY(bool messageUrgent READ messageUrgent NOTIFY messageChanged FINAL)
+    Q_PROPERTY(QList<PresetMessage> presetMessages READ presetMessages
+                   NOTIFY presetMessagesChanged FINAL)
+    Q_PROPERTY(bool blackout READ blackout WRITE setBlackout NOTIFY blackoutChanged FINAL)
+    Q_PROPERTY(bool freeze READ freeze NOTIFY freezeChanged FINAL)
+    Q_PROPERTY(double frozenRemaining READ frozenRemaining NOTIFY freezeChanged FINAL)
+    Q_PROPERTY(bool clockMode READ clockMode WRITE setClockMode NOTIFY clockModeChanged FINAL)
+    Q_PROPERTY(bool blinkActive READ blinkActive NOTIFY blinkActiveChanged FINAL)
+    Q_PROPERTY(QVariant doorsTarget READ doorsTargetVariant NOTIFY doorsChanged FINAL)
+    Q_PROPERTY(bool doorsActive READ doorsActive NOTIFY doorsChanged FINAL)
+    Q_PROPERTY(double doorsRemaining READ doorsRemaining NOTIFY doorsChanged FINAL)
+    Q_PROPERTY(bool showLocked READ showLocked WRITE setShowLocked NOTIFY showLockedChanged FINAL)
+    Q_PROPERTY(bool soundsEnabled READ soundsEnabled WRITE setSoundsEnabled
+                   NOTIFY soundsEnabledChanged FINAL)
+    Q_PROPERTY(QList<CueLogEntry> completedCueLog READ completedCueLog
+                   NOTIFY completedCueLogChanged FINAL)
+    Q_PROPERTY(QList<CueTemplate> templates READ templates NOTIFY templatesChanged FINAL)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoStateChanged FINAL)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY undoStateChanged FINAL)
+
+public:
+    using StateHook = std::function<void(const TimerStateSnapshot &)>;
+
+    // The engine keeps references to both; they must outlive it.
+    TimerEngine(Clock &clock, AlertPlayer &sound, QObject *parent = nullptr);
+    ~TimerEngine() override;
+
+    // The countdown text of a number of seconds: "05:07" under an hour, "1:02:03" from an hour
+    // on, whole seconds rounded down in magnitude; "-" in front of a negative value only with
+    // `showSign` (so -0.4 reads "-00:00"). A value that is not a finite number reads "--:--".
+    static QString format(double seconds, bool showSign);
+
+    // ---- State ----------------------------------------------------------------------------
+    const TimerSession &session() const { return m_session; }
+    std::optional<int> selectedCueIndex() const { return m_selectedCueIndex; }
+    void setSelectedCueIndex(std::optional<int> index);
+    std::optional<QUuid> activeCueID() const { return m_activeCueID; }
+    std::optional<int> activeCueIndex() const { return m_activeCueIndex; }
+    std::optional<Cue> activeCue() const;
+    std::optional<Cue> nextCue() const;
+    bool isRunning() const { return m_isRunning; }
+    bool isPaused() const { return m_isPaused; }
+    double remaining() const { return m_remaining; }  // seconds, negative in overtime
+    double elapsed() const { return m_elapsed; }      // seconds, pauses excluded
+    double plannedDuration() const { return m_plannedDuration; }
+    double totalOvertime() const { return m_totalOvertime; }
+    double remainingDayDuration() const;
+    QDateTime projectedDayEnd() const;
+    std::optional<QString> currentMessage() const { return m_currentMessage; }
+    bool messageUrgent() const { return m_messageUrgent; }
+    QList<PresetMessage> presetMessages() const { return m_presetMessages; }
+    bool blackout() const { return m_blackout; }
+    bool freeze() const { return m_freeze; }
+    double frozenRemaining() const { return m_frozenRemaining; }
+    bool clockMode() const { return m_clockMode; }
+    bool blinkActive() const { return m_blinkActive; }
+    std::optional<QDateTime> doorsTarget() const;
+    bool doorsActive() const { return m_doorsTargetMs.has_value(); }
+    double doorsRemaining() const { return m_doorsRemaining; }
+    bool showLocked() const { return m_showLocked; }
+    bool soundsEnabled() const { return m_soundsEnabled; }
+    QList<CueLogEntry> completedCueLog() const { return m_completedCueLog; }
+    QList<CueTemplate> templates() const { return m_templates; }
+    bool canUndo() const { return !m_undoStack.isEmpty(); }
+    bool canRedo() const { return !m_redoStack.isEmpty(); }
+    // Whether the 0.1 s ticker runs (started by start and startDoors, cancelled by stop).
+    bool isTickerRunning() const { return m_tickerOn; }
+
+    // Flags the console and remote control set directly; they show on the next redraw or
+    // snapshot and do not call the state hook.
+    void setBlackout(bool on);
+    void setClockMode(bool on);
+    void setShowLocked(bool on);
+    void setSoundsEnabled(bool on);
+
+    // ---- State hook -----------------------------------------------------------------------
+    // Receives a fresh snapshot after each operation that changes displayable state and on
+    // the ticks that move the clock.
+    void setOnStateChange(StateHook hook) { m_onStateChange = std::move(hook); }
+    const StateHook &onStateChange() const { return m_onStateChange; }
+    TimerStateSnapshot snapshot() const;
+
+    // ---- Transport --------------------------------------------------------------------------
+    // Without an index: the selected cue, else the active one, else the first.
+    void start(std::optional<int> cueIndex = std::nullopt);
+    Q_INVOKABLE void pause(); // toggles pause and resume
+    Q_INVOKABLE void stop();
+    Q_INVOKABLE void reset();
+    Q_INVOKABLE void next();
+    Q_INVOKABLE void previous();
+    Q_INVOKABLE void adjust(double seconds);
+    void loadSession(const TimerSession &session);
+
+    // ---- Show controls ----------------------------------------------------------------------
+    void sendMessage(const std::optional<QString> &text, bool urgent);
+    Q_INVOKABLE void toggleFreeze();
+    Q_INVOKABLE void triggerBlink(double duration);
+    void startDoors(const QDateTime &at);
+    Q_INVOKABLE void cancelDoors();
+
+    // ---- Cue list editing ---------------------------------------------------------------------
+    void addCue(); // a freshly made cue
+    void addCue(const Cue &cue);
+    void addCue(const CueTemplate &from);
+    void updateCue(const Cue &cue);
+    Q_INVOKABLE void moveCue(int from, int offset); // exchanges the cues at from and from + offset
+    Q_INVOKABLE void deleteCue(int at);
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
+
+    // One step of the clock; the ticker calls it ten times a second, tests call it directly.
+    void tick();
+
+signals:
+    void sessionChanged();
+    void selectedCueIndexChanged();
+    void activeCueChanged();
+    void runStateChanged();
+    void clockChanged();
+    void messageChanged();
+    void presetMessagesChanged();
+    void blackoutChanged();
+    void freezeChanged();
+    void clockModeChanged();
+    void blinkActiveChanged();
+    void doorsChanged();
+    void showLockedChanged();
+    void soundsEnabledChanged();
+    void completedCueLogChanged();
+    void templatesChanged();
+    void undoStateChanged();
+
+private:
+    // QML-facing forms of the optional values.
+    int selectedCueRow() const { return m_selectedCueIndex.value_or(-1); }
+    void setSelectedCueRow(int row);
+    QString activeCueIDText() const;
+    int activeCueRow() const { return m_activeCueIndex.value_or(-1); }
+    QVariant activeCueVariant() const;
+    QVariant nextCueVariant() const;
+    QVariant currentMessageVariant() const;
+    QVariant doorsTargetVariant() const;
+
+    const Cue *activeCuePtr() const;
+    const Cue *nextCuePtr() const;
+    std::optional<int> baseIndex() const; // the active cue, else the selected one
+
+    // Clock.
+    void loadClock(const Cue &cue, const QDateTime &now, qint64 monotonic);
+    void refreshClock(qint64 monotonic, qint64 wallMs);
+    void liveClock(qint64 monotonic, qint64 wallMs, double &elapsed, double &remaining) const;
+    void fireAlerts(const Cue &cue);
+    void clearAlertLatches();
+    void setRunState(bool running, bool paused);
+    void runTick();
+
+    // Ticker.
+    void startTicker();
+    void stopTicker();
+    void armTicker();
+
+    // Transport internals.
+    void logCue(const Cue &cue, std::optional<int> writeBackIndex);
+    void logActiveCue();
+    void halt(); // stops the clock and the ticker and calls the hook, logging nothing
+    void notifyStateChange();
+    void postJob(std::function<void()> job);
+
+    // Editing internals.
+    void pushUndo();
+    void cuesEdited(); // after every change of the list: caches, notifications, updatedAt
+    void clampIndices(const QList<Cue> &previousCues);
+    void clampSelection();
+    void leaveRemovedActiveCue(const Cue &removed);
+    void restoreFrom(QList<QList<Cue>> &from, QList<QList<Cue>> &to);
+    void refreshDerived(); // the cached active index and the day's remaining durations
+    void setActiveCueID(std::optional<QUuid> id);
+
+    Clock &m_clock;
+    AlertPlayer &m_sound;
+    std::unique_ptr<ClockTimer> m_ticker;
+    std::unique_ptr<ClockTimer> m_blinkTimer;
+    bool m_tickerOn = false;
+    StateHook m_onStateChange;
+
+    TimerSession m_session;
+    std::optional<int> m_selectedCueIndex;
+    std::optional<QUuid> m_activeCueID;
+    std::optional<int> m_activeCueIndex; // where m_activeCueID is in the list; kept current
+    double m_durationsAfterBase = 0;     // sum of the cue durations after the base cue
+    bool m_isRunning = false;
+    bool m_isPaused = false;
+    double m_remaining = 0;
+    double m_elapsed = 0;
+    std::optional<QString> m_currentMessage;
+    bool m_messageUrgent = false;
+    QList<PresetMessage> m_presetMessages;
+    bool m_blackout = false;
+    bool m_freeze = false;
+    double m_frozenRemaining = 0;
+    bool m_clockMode = false;
+    bool m_blinkActive = false;
+    std::optional<qint64> m_doorsTargetMs; // wall clock, ms since the epoch
+    double m_doorsRemaining = 0;
+    bool m_showLocked = false;
+    QList<QList<Cue>> m_undoStack; // newest last, at most 50
+    QList<QList<Cue>> m_redoStack;
+    bool m_soundsEnabled = true;
+    bool m_firedWarning = false;
+    bool m_firedDanger = false;
+    bool m_firedZero = false;
+    double m_totalOvertime = 0;
+    QList<CueLogEntry> m_completedCueLog;
+    QList<CueTemplate> m_templates;
+
+    double m_plannedDuration = 0;
+    std::optional<qint64> m_cueStartMs;     // monotonic
+    qint64 m_pausedAccumMs = 0;             // monotonic length of the pauses so far
+    std::optional<qint64> m_pauseStartedMs; // monotonic
+    std::optional<qint64> m_hardOutTargetMs; // wall clock, ms since the epoch
+    double m_loggedOvertime = 0;
+    // Changes each time the clock is loaded or stopped, so that a follow-on job scheduled for
+    // one run of a cue does nothing once that run is over.
+    quint64 m_clockRun = 0;
+};

@@ -1,0 +1,67 @@
+// The show controls of TimerEngine: message, freeze, blink and the doors countdown.
+#include "timerengine.h"
+
+#include "walltime.h"
+
+#include <algorithm>
+#include <cmath>
+
+void TimerEngine::sendMessage(const std::optional<QString> &text, bool urgent)
+{
+    m_currentMessage = text;
+    m_messageUrgent = urgent;
+    emit messageChanged();
+    if (m_soundsEnabled && urgent)
+        m_sound.play(AlertSound::attention());
+    notifyStateChange();
+}
+
+void TimerEngine::toggleFreeze()
+{
+    m_freeze = !m_freeze;
+    if (m_freeze)
+        m_frozenRemaining = m_remaining;
+    // The clock keeps running underneath, so releasing shows the true time at once.
+    emit freezeChanged();
+    notifyStateChange();
+}
+
+void TimerEngine::triggerBlink(double duration)
+{
+    m_blinkTimer->stop();
+    if (m_blinkActive) {
+        // A second call ends the blink at once, silently.
+        m_blinkActive = false;
+        emit blinkActiveChanged();
+        notifyStateChange();
+        return;
+    }
+    m_blinkActive = true;
+    emit blinkActiveChanged();
+    if (m_soundsEnabled)
+        m_sound.play(AlertSound::attention());
+    notifyStateChange();
+    const double ms = std::isfinite(duration) ? duration * 1000 : 0;
+    m_blinkTimer->start(std::llround(std::clamp(ms, 0.0, double(std::numeric_limits<int>::max()))));
+}
+
+void TimerEngine::startDoors(const QDateTime &at)
+{
+    const QDateTime now = m_clock.now();
+    const QDateTime target = WallTime::resolveDoorsTarget(at, now, m_clock.timeZone());
+    m_doorsTargetMs = target.toMSecsSinceEpoch();
+    m_doorsRemaining = double(now.msecsTo(target)) / 1000.0;
+    emit doorsChanged();
+    // The countdown runs even when no cue does.
+    startTicker();
+    notifyStateChange();
+}
+
+void TimerEngine::cancelDoors()
+{
+    if (!m_doorsTargetMs)
+        return;
+    m_doorsTargetMs.reset();
+    emit doorsChanged();
+    notifyStateChange();
+}

@@ -1,0 +1,176 @@
+// The transport of TimerEngine: start, pause and resume, stop, reset, next, previous, adjust,
+// and loading another show.
+#include "timerengine.h"
+
+#include <cmath>
+
+void TimerEngine::start(std::optional<int> cueIndex)
+{
+    const int index = cueIndex           ? *cueIndex
+                      : m_selectedCueIndex ? *m_selectedCueIndex
+                      : m_activeCueIndex   ? *m_activeCueIndex
+                                           : 0;
+    if (index < 0 || index >= m_session.cues.size())
+        return;
+    if (m_isRunning && m_activeCueIndex)
+        logActiveCue();
+
+    const QDateTime now = m_clock.now();
+    const qint64 monotonic = m_clock.monotonicMs();
+    const Cue cue = m_session.cues[index];
+    m_activeCueID = cue.id;
+    if (m_selectedCueIndex != index) {
+        m_selectedCueIndex = index;
+        emit selectedCueIndexChanged();
+    }
+    refreshDerived();
+
+    loadClock(cue, now, monotonic);
+    setRunState(true, false);
+    startTicker();
+    notifyStateChange();
+}
+
+void TimerEngine::pause()
+{
+    if (!m_isRunning)
+        return;
+    const qint64 monotonic = m_clock.monotonicMs();
+    if (!m_isPaused) {
+        // The display holds the exact value of the moment of the pause, not that of the last tick.
+        refreshClock(monotonic, m_clock.now().toMSecsSinceEpoch());
+        m_pauseStartedMs = monotonic;
+        setRunState(true, true);
+    } else {
+        if (m_pauseStartedMs) {
+            const qint64 pausedFor = monotonic - *m_pauseStartedMs;
+            m_pausedAccumMs += pausedFor;
+            // A paused hard-out cue ends later by the time it was paused, so that it resumes
+            // with the time it had left.
+            if (m_hardOutTargetMs)
+                *m_hardOutTargetMs += pausedFor;
+        }
+        m_pauseStartedMs.reset();
+        setRunState(true, false);
+        armTicker();
+    }
+    notifyStateChange();
+}
+
+void TimerEngine::stop()
+{
+    if (m_isRunning)
+        logActiveCue();
+    halt();
+}
+
+void TimerEngine::halt()
+{
+    ++m_clockRun;
+    setRunState(false, false);
+    stopTicker();
+    notifyStateChange();
+}
+
+void TimerEngine::reset()
+{
+    const Cue *cue = activeCuePtr();
+    if (!cue)
+        return;
+    loadClock(*cue, m_clock.now(), m_clock.monotonicMs());
+    if (m_isPaused)
+        setRunState(m_isRunning, false);
+    armTicker();
+    notifyStateChange();
+}
+
+void TimerEngine::next()
+{
+    const std::optional<int> base = baseIndex();
+    if (!base)
+        start(0);
+    else if (*base + 1 < m_session.cues.size())
+        start(*base + 1);
+    else
+        stop();
+}
+
+void TimerEngine::previous()
+{
+    const std::optional<int> base = baseIndex();
+    if (base && *base >= 1)
+        start(*base - 1);
+}
+
+void TimerEngine::adjust(double seconds)
+{
+    if (!activeCuePtr() || !std::isfinite(seconds))
+        return;
+    if (m_hardOutTargetMs)
+        *m_hardOutTargetMs += std::llround(seconds * 1000);
+    else
+        m_plannedDuration = std::max(m_plannedDuration + seconds, 1.0);
+    // Unclamped on purpose: a large cut shows its raw value until the next tick recomputes the
+    // clock from the clamped planned length.
+    m_remaining += seconds;
+    emit clockChanged();
+    armTicker();
+    notifyStateChange();
+}
+
+void TimerEngine::logCue(const Cue &cue, std::optional<int> writeBackIndex)
+{
+    // The log holds the exact time of leaving, not that of the last tick.
+    if (m_isRunning && !m_isPaused)
+        refreshClock(m_clock.monotonicMs(), m_clock.now().toMSecsSinceEpoch());
+    const double overtime = m_remaining < 0 ? -m_remaining : 0.0;
+    m_loggedOvertime += overtime;
+    m_totalOvertime = m_loggedOvertime;
+    m_completedCueLog.append(CueLogEntry{cue.name, m_plannedDuration, m_elapsed, overtime});
+    emit completedCueLogChanged();
+    emit clockChanged();
+    if (writeBackIndex) {
+        Cue &logged = m_session.cues[*writeBackIndex];
+        logged.actualElapsed = m_elapsed;
+        logged.overtime = overtime;
+        emit sessionChanged();
+    }
+}
+
+void TimerEngine::logActiveCue()
+{
+    if (const Cue *cue = activeCuePtr())
+        logCue(*cue, m_activeCueIndex);
+}
+
+void TimerEngine::loadSession(const TimerSession &session)
+{
+    stop();
+    m_session = session;
+    m_activeCueID.reset();
+    m_selectedCueIndex = session.cues.isEmpty() ? std::nullopt : std::optional(0);
+    m_remaining = m_elapsed = m_totalOvertime = 0;
+    m_loggedOvertime = 0;
+    m_completedCueLog.clear();
+    m_undoStack.clear();
+    m_redoStack.clear();
+    m_currentMessage.reset();
+    m_messageUrgent = m_blackout = m_freeze = m_clockMode = m_blinkActive = false;
+    m_blinkTimer->stop();
+    m_doorsTargetMs.reset();
+    m_showLocked = false;
+
+    emit sessionChanged();
+    emit selectedCueIndexChanged();
+    emit completedCueLogChanged();
+    emit undoStateChanged();
+    emit messageChanged();
+    emit blackoutChanged();
+    emit freezeChanged();
+    emit clockModeChanged();
+    emit blinkActiveChanged();
+    emit doorsChanged();
+    emit showLockedChanged();
+    refreshDerived();
+    notifyStateChange();
+}

@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Window
+
+Window {
+    id: root
+    width: 960
+    height: 540
+    visible: true
+    color: "#0A0A0C"
+    title: "Kairon"
+
+    Column {
+        anchors.centerIn: parent
+        spacing: 12
+
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "KAIRON"
+            color: "#FF6B00"
+            font.pixelSize: 64
+            font.weight: Font.Black
+        }
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "Timer de conférence professionnel"
+            color: "#B8B8C0"
+            font.pixelSize: 22
+        }
+    }
+}
