@@ -25,8 +25,8 @@ public:
 
     // Wall-clock time, for time-of-day targets. It can step (NTP, the operator setting the time).
     virtual QDateTime now() const = 0;
-    // Milliseconds from an arbitrary origin; never jumps, so durations are measured on it.
-    virtual qint64 monotonicMs() const = 0;
+    // Microseconds from an arbitrary origin; never jumps, so durations are measured on it.
+    virtual qint64 monotonicUs() const = 0;
     // The user's calendar, in which times of day are read.
     virtual QTimeZone timeZone() const = 0;
 

@@ -14,7 +14,7 @@ public:
 
     void start(qint64 delayMs) override
     {
-        deadline = m_clock.m_monotonic + std::max<qint64>(delayMs, 0);
+        deadline = m_clock.m_monotonicUs + std::max<qint64>(delayMs, 0) * 1000;
         armOrder = ++m_clock.m_armCount;
         active = true;
     }
@@ -28,7 +28,7 @@ public:
     }
 
     bool active = false;
-    qint64 deadline = 0;
+    qint64 deadline = 0; // µs
     quint64 armOrder = 0;
 
 private:
@@ -48,17 +48,19 @@ std::unique_ptr<ClockTimer> ManualClock::createTimer(std::function<void()> onTim
     return std::make_unique<Timer>(*this, std::move(onTimeout));
 }
 
-void ManualClock::move(qint64 ms)
+void ManualClock::move(qint64 us)
 {
-    m_monotonic += ms;
-    m_wall = m_wall.addMSecs(ms);
+    m_monotonicUs += us;
+    m_wallRemainderUs += us;
+    m_wall = m_wall.addMSecs(m_wallRemainderUs / 1000);
+    m_wallRemainderUs %= 1000;
 }
 
-ManualClock::Timer *ManualClock::earliestDueBy(qint64 monotonic) const
+ManualClock::Timer *ManualClock::earliestDueBy(qint64 monotonicUs) const
 {
     Timer *earliest = nullptr;
     for (Timer *t : m_timers) {
-        if (!t->active || t->deadline > monotonic)
+        if (!t->active || t->deadline > monotonicUs)
             continue;
         if (!earliest || t->deadline < earliest->deadline
             || (t->deadline == earliest->deadline && t->armOrder < earliest->armOrder))
@@ -67,23 +69,23 @@ ManualClock::Timer *ManualClock::earliestDueBy(qint64 monotonic) const
     return earliest;
 }
 
-void ManualClock::advance(std::chrono::milliseconds step)
+void ManualClock::advance(std::chrono::microseconds step)
 {
-    const qint64 target = m_monotonic + step.count();
+    const qint64 target = m_monotonicUs + step.count();
     while (Timer *t = earliestDueBy(target)) {
-        move(t->deadline - m_monotonic);
+        move(t->deadline - m_monotonicUs);
         t->fire();
     }
-    move(target - m_monotonic);
+    move(target - m_monotonicUs);
 }
 
-void ManualClock::jump(std::chrono::milliseconds step)
+void ManualClock::jump(std::chrono::microseconds step)
 {
     move(step.count());
     // Each timer due now fires once; one re-armed by its own callback waits for its new deadline.
     std::vector<Timer *> due;
     for (Timer *t : m_timers) {
-        if (t->active && t->deadline <= m_monotonic)
+        if (t->active && t->deadline <= m_monotonicUs)
             due.push_back(t);
     }
     std::sort(due.begin(), due.end(), [](const Timer *a, const Timer *b) {
@@ -92,7 +94,7 @@ void ManualClock::jump(std::chrono::milliseconds step)
     for (Timer *t : due) {
         // A callback may have stopped or destroyed a later timer in this list.
         if (std::find(m_timers.begin(), m_timers.end(), t) != m_timers.end() && t->active
-            && t->deadline <= m_monotonic)
+            && t->deadline <= m_monotonicUs)
             t->fire();
     }
 }
@@ -100,6 +102,7 @@ void ManualClock::jump(std::chrono::milliseconds step)
 void ManualClock::setWallClock(const QDateTime &wall)
 {
     m_wall = wall;
+    m_wallRemainderUs = 0;
 }
 
 std::optional<qint64> ManualClock::nextDeadline() const
@@ -109,5 +112,7 @@ std::optional<qint64> ManualClock::nextDeadline() const
         if (t->active && (!earliest || t->deadline < *earliest))
             earliest = t->deadline;
     }
+    if (earliest)
+        *earliest /= 1000;
     return earliest;
 }

@@ -15,31 +15,34 @@ public:
     ~ManualClock() override;
 
     QDateTime now() const override { return m_wall; }
-    qint64 monotonicMs() const override { return m_monotonic; }
+    qint64 monotonicUs() const override { return m_monotonicUs; }
     QTimeZone timeZone() const override { return m_zone; }
     std::unique_ptr<ClockTimer> createTimer(std::function<void()> onTimeout) override;
 
+    qint64 monotonicMs() const { return m_monotonicUs / 1000; }
+
     // Moves both clocks forward, stopping at each due timer's deadline to fire it on time.
-    void advance(std::chrono::milliseconds step);
+    void advance(std::chrono::microseconds step);
     // Moves both clocks forward at once, then fires each timer that fell due, late (as after
     // a stalled event loop).
-    void jump(std::chrono::milliseconds step);
+    void jump(std::chrono::microseconds step);
     // Steps the wall clock alone, as an NTP correction would; monotonic time does not move.
     void setWallClock(const QDateTime &wall);
     void setTimeZone(const QTimeZone &zone) { m_zone = zone; }
 
-    // Monotonic deadline of the earliest armed timer.
+    // Monotonic deadline of the earliest armed timer, in milliseconds like monotonicMs().
     std::optional<qint64> nextDeadline() const;
 
 private:
     class Timer;
     friend class Timer;
 
-    void move(qint64 ms);
-    Timer *earliestDueBy(qint64 monotonic) const;
+    void move(qint64 us);
+    Timer *earliestDueBy(qint64 monotonicUs) const;
 
     QDateTime m_wall;
-    qint64 m_monotonic = 1'000'000;
+    qint64 m_wallRemainderUs = 0; // the wall clock has whole milliseconds only
+    qint64 m_monotonicUs = 1'000'000'000;
     QTimeZone m_zone;
     std::vector<Timer *> m_timers;
     quint64 m_armCount = 0; // orders timers armed for the same deadline

@@ -37,10 +37,10 @@ QDateTime SystemClock::now() const
     return QDateTime::currentDateTimeUtc();
 }
 
-qint64 SystemClock::monotonicMs() const
+qint64 SystemClock::monotonicUs() const
 {
     using namespace std::chrono;
-    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+    return duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
 QTimeZone SystemClock::timeZone() const

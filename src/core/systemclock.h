@@ -7,7 +7,7 @@ class SystemClock final : public Clock
 {
 public:
     QDateTime now() const override;
-    qint64 monotonicMs() const override;
+    qint64 monotonicUs() const override;
     QTimeZone timeZone() const override;
     std::unique_ptr<ClockTimer> createTimer(std::function<void()> onTimeout) override;
 };

@@ -14,7 +14,7 @@ qint64 delayUntilNextTickMs(double remaining)
                                               : std::floor(-remaining) + 1 + remaining;
     // Rounded to the microsecond first, so that floating-point noise cannot add a millisecond.
     const qint64 micros = std::llround(untilChange * 1e6);
-    const qint64 target = (micros + 999) / 1000 + leadMs;
+    const qint64 target = (micros + leadUs + 999) / 1000;
     const qint64 delay = target % periodMs;
     return delay == 0 ? periodMs : delay;
 }

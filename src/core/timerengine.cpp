@@ -256,25 +256,25 @@ void TimerEngine::postJob(std::function<void()> job)
 
 // ---- Clock --------------------------------------------------------------------------------
 
-void TimerEngine::liveClock(qint64 monotonic, qint64 wallMs, double &elapsed,
+void TimerEngine::liveClock(qint64 monotonicUs, qint64 wallMs, double &elapsed,
                             double &remaining) const
 {
-    const qint64 stoppedAt = m_isPaused && m_pauseStartedMs ? *m_pauseStartedMs : monotonic;
-    elapsed = double(stoppedAt - *m_cueStartMs - m_pausedAccumMs) / 1000.0;
+    const qint64 stoppedAt = m_isPaused && m_pauseStartedUs ? *m_pauseStartedUs : monotonicUs;
+    elapsed = double(stoppedAt - *m_cueStartUs - m_pausedAccumUs) / 1e6;
     remaining = m_hardOutTargetMs ? double(*m_hardOutTargetMs - wallMs) / 1000.0
                                   : m_plannedDuration - elapsed;
 }
 
-void TimerEngine::refreshClock(qint64 monotonic, qint64 wallMs)
+void TimerEngine::refreshClock(qint64 monotonicUs, qint64 wallMs)
 {
-    if (!m_cueStartMs)
+    if (!m_cueStartUs)
         return;
-    liveClock(monotonic, wallMs, m_elapsed, m_remaining);
+    liveClock(monotonicUs, wallMs, m_elapsed, m_remaining);
     m_totalOvertime = m_loggedOvertime + (m_remaining < 0 ? -m_remaining : 0.0);
     emit clockChanged();
 }
 
-void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monotonic)
+void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monotonicUs)
 {
     if (cue.mode == TimerMode::HardOut) {
         const QDateTime target = WallTime::resolveHardOut(cue, now, m_clock.timeZone());
@@ -284,9 +284,9 @@ void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monoton
         m_hardOutTargetMs.reset();
         m_plannedDuration = cue.duration;
     }
-    m_cueStartMs = monotonic;
-    m_pausedAccumMs = 0;
-    m_pauseStartedMs.reset();
+    m_cueStartUs = monotonicUs;
+    m_pausedAccumUs = 0;
+    m_pauseStartedUs.reset();
     m_elapsed = 0;
     // A hard-out cue whose end has passed starts showing its overtime at once, although its
     // planned length is held at the one-second minimum.
@@ -342,13 +342,13 @@ void TimerEngine::armTicker()
 {
     if (!m_tickerOn)
         return;
-    const qint64 monotonic = m_clock.monotonicMs();
+    const qint64 monotonicUs = m_clock.monotonicUs();
     const qint64 wallMs = m_clock.now().toMSecsSinceEpoch();
     double shown = 0;
     bool phased = false;
-    if (m_isRunning && !m_isPaused && m_cueStartMs && m_activeCueIndex) {
+    if (m_isRunning && !m_isPaused && m_cueStartUs && m_activeCueIndex) {
         double elapsed = 0;
-        liveClock(monotonic, wallMs, elapsed, shown);
+        liveClock(monotonicUs, wallMs, elapsed, shown);
         phased = true;
     } else if (m_doorsTargetMs) {
         shown = double(*m_doorsTargetMs - wallMs) / 1000.0;
@@ -381,13 +381,13 @@ void TimerEngine::runTick()
     }
 
     const Cue *cue = activeCuePtr();
-    if (!m_isRunning || m_isPaused || !cue || !m_cueStartMs) {
+    if (!m_isRunning || m_isPaused || !cue || !m_cueStartUs) {
         if (doorsMoved)
             notifyStateChange();
         return;
     }
 
-    refreshClock(m_clock.monotonicMs(), m_clock.now().toMSecsSinceEpoch());
+    refreshClock(m_clock.monotonicUs(), m_clock.now().toMSecsSinceEpoch());
     fireAlerts(*cue);
 
     const bool followOn = m_remaining <= 0 && cue->autoFollow

@@ -203,9 +203,10 @@ private:
     std::optional<int> baseIndex() const; // the active cue, else the selected one
 
     // Clock.
-    void loadClock(const Cue &cue, const QDateTime &now, qint64 monotonic);
-    void refreshClock(qint64 monotonic, qint64 wallMs);
-    void liveClock(qint64 monotonic, qint64 wallMs, double &elapsed, double &remaining) const;
+    // `monotonicUs` from the clock's monotonic time, `wallMs` from its wall time.
+    void loadClock(const Cue &cue, const QDateTime &now, qint64 monotonicUs);
+    void refreshClock(qint64 monotonicUs, qint64 wallMs);
+    void liveClock(qint64 monotonicUs, qint64 wallMs, double &elapsed, double &remaining) const;
     void fireAlerts(const Cue &cue);
     void clearAlertLatches();
     void setRunState(bool running, bool paused);
@@ -271,9 +272,9 @@ private:
     QList<CueTemplate> m_templates;
 
     double m_plannedDuration = 0;
-    std::optional<qint64> m_cueStartMs;     // monotonic
-    qint64 m_pausedAccumMs = 0;             // monotonic length of the pauses so far
-    std::optional<qint64> m_pauseStartedMs; // monotonic
+    std::optional<qint64> m_cueStartUs;     // monotonic, µs
+    qint64 m_pausedAccumUs = 0;             // monotonic length of the pauses so far, µs
+    std::optional<qint64> m_pauseStartedUs; // monotonic, µs
     std::optional<qint64> m_hardOutTargetMs; // wall clock, ms since the epoch
     double m_loggedOvertime = 0;
     // Changes each time the clock is loaded or stopped, so that a follow-on job scheduled for

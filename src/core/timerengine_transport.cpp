@@ -16,7 +16,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
         logActiveCue();
 
     const QDateTime now = m_clock.now();
-    const qint64 monotonic = m_clock.monotonicMs();
+    const qint64 monotonicUs = m_clock.monotonicUs();
     const Cue cue = m_session.cues[index];
     m_activeCueID = cue.id;
     if (m_selectedCueIndex != index) {
@@ -25,7 +25,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
     }
     refreshDerived();
 
-    loadClock(cue, now, monotonic);
+    loadClock(cue, now, monotonicUs);
     setRunState(true, false);
     startTicker();
     notifyStateChange();
@@ -35,22 +35,22 @@ void TimerEngine::pause()
 {
     if (!m_isRunning)
         return;
-    const qint64 monotonic = m_clock.monotonicMs();
+    const qint64 monotonicUs = m_clock.monotonicUs();
     if (!m_isPaused) {
         // The display holds the exact value of the moment of the pause, not that of the last tick.
-        refreshClock(monotonic, m_clock.now().toMSecsSinceEpoch());
-        m_pauseStartedMs = monotonic;
+        refreshClock(monotonicUs, m_clock.now().toMSecsSinceEpoch());
+        m_pauseStartedUs = monotonicUs;
         setRunState(true, true);
     } else {
-        if (m_pauseStartedMs) {
-            const qint64 pausedFor = monotonic - *m_pauseStartedMs;
-            m_pausedAccumMs += pausedFor;
+        if (m_pauseStartedUs) {
+            const qint64 pausedForUs = monotonicUs - *m_pauseStartedUs;
+            m_pausedAccumUs += pausedForUs;
             // A paused hard-out cue ends later by the time it was paused, so that it resumes
             // with the time it had left.
             if (m_hardOutTargetMs)
-                *m_hardOutTargetMs += pausedFor;
+                *m_hardOutTargetMs += (pausedForUs + 500) / 1000;
         }
-        m_pauseStartedMs.reset();
+        m_pauseStartedUs.reset();
         setRunState(true, false);
         armTicker();
     }
@@ -77,7 +77,7 @@ void TimerEngine::reset()
     const Cue *cue = activeCuePtr();
     if (!cue)
         return;
-    loadClock(*cue, m_clock.now(), m_clock.monotonicMs());
+    loadClock(*cue, m_clock.now(), m_clock.monotonicUs());
     if (m_isPaused)
         setRunState(m_isRunning, false);
     armTicker();
@@ -122,7 +122,7 @@ void TimerEngine::logCue(const Cue &cue, std::optional<int> writeBackIndex)
 {
     // The log holds the exact time of leaving, not that of the last tick.
     if (m_isRunning && !m_isPaused)
-        refreshClock(m_clock.monotonicMs(), m_clock.now().toMSecsSinceEpoch());
+        refreshClock(m_clock.monotonicUs(), m_clock.now().toMSecsSinceEpoch());
     const double overtime = m_remaining < 0 ? -m_remaining : 0.0;
     m_loggedOvertime += overtime;
     m_totalOvertime = m_loggedOvertime;

@@ -19,14 +19,17 @@ private slots:
         QTest::newRow("cue just started") << 600.0 << qint64(1);
         QTest::newRow("right after a change") << 599.999 << qint64(100);
         QTest::newRow("mid period") << 599.95 << qint64(51);
-        QTest::newRow("a tick early") << 599.0005 << qint64(2);
+        QTest::newRow("half a millisecond early") << 599.0005 << qint64(1);
+        QTest::newRow("sub-millisecond") << 599.0095 << qint64(10);
+        QTest::newRow("lead crosses a millisecond") << 599.0099 << qint64(10);
+        QTest::newRow("lead crosses into the next") << 599.00995 << qint64(11);
         QTest::newRow("half a second") << 10.5 << qint64(1);
         QTest::newRow("zero") << 0.0 << qint64(1);
         // Below zero the text changes when the magnitude reaches the next whole second.
         QTest::newRow("just past zero") << -0.001 << qint64(100);
         QTest::newRow("overtime mid period") << -0.95 << qint64(51);
         QTest::newRow("overtime on a whole second") << -3.0 << qint64(1);
-        QTest::newRow("overtime just before a change") << -3.9995 << qint64(2);
+        QTest::newRow("overtime just before a change") << -3.9995 << qint64(1);
         QTest::newRow("noise below a millisecond") << 599.1 + 1e-12 << qint64(1);
     }
 

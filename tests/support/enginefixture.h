@@ -19,7 +19,10 @@ public:
     };
 
     explicit RecordingAlertPlayer(const Clock &clock) : m_clock(clock) {}
-    void play(const QString &name) override { played.append({name, m_clock.monotonicMs()}); }
+    void play(const QString &name) override
+    {
+        played.append({name, m_clock.monotonicUs() / 1000});
+    }
     QStringList names() const
     {
         QStringList list;
