@@ -1,11 +1,14 @@
 // The engine's own cost: one tick with the state hook attached, one snapshot, and list edits,
 // on a show of 10 and of 2,000 cues. Run: build/bench/bench_timerengine
 #include "manualclock.h"
+#include "systemclock.h"
 #include "timerengine.h"
 
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+
+#include <type_traits>
 
 using namespace std::chrono_literals;
 
@@ -16,6 +19,16 @@ class SilentPlayer final : public AlertPlayer
 public:
     void play(const QString &) override {}
 };
+
+template <typename ClockType>
+ClockType makeClock()
+{
+    if constexpr (std::is_same_v<ClockType, ManualClock>)
+        return ManualClock(QDateTime(QDate(2026, 11, 21), QTime(18, 0), Qt::UTC),
+                           QTimeZone("Europe/Paris"));
+    else
+        return SystemClock();
+}
 
 TimerSession showOfSize(int count)
 {
@@ -30,6 +43,7 @@ TimerSession showOfSize(int count)
     return session;
 }
 
+template <typename ClockType>
 struct Bench {
     explicit Bench(int cues)
     {
@@ -37,8 +51,7 @@ struct Bench {
         engine.setOnStateChange([this](const TimerStateSnapshot &s) { last = s; });
         engine.start(cues / 2);
     }
-    ManualClock clock{QDateTime(QDate(2026, 11, 21), QTime(18, 0), Qt::UTC),
-                      QTimeZone("Europe/Paris")};
+    ClockType clock = makeClock<ClockType>();
     SilentPlayer sound;
     TimerEngine engine{clock, sound};
     TimerStateSnapshot last;
@@ -48,7 +61,7 @@ struct Bench {
 // checks the alerts, calls the hook with a fresh snapshot and re-arms the ticker.
 void tickWithHook(benchmark::State &state)
 {
-    Bench b(int(state.range(0)));
+    Bench<ManualClock> b(int(state.range(0)));
     for (auto _ : state) {
         b.clock.advance(100ms);
         benchmark::DoNotOptimize(b.last.remaining);
@@ -56,9 +69,20 @@ void tickWithHook(benchmark::State &state)
 }
 BENCHMARK(tickWithHook)->Arg(10)->Arg(2000);
 
+// The same tick on the real clocks, re-arming the real QTimer each time.
+void tickWithHookOnSystemClock(benchmark::State &state)
+{
+    Bench<SystemClock> b(int(state.range(0)));
+    for (auto _ : state) {
+        b.engine.tick();
+        benchmark::DoNotOptimize(b.last.remaining);
+    }
+}
+BENCHMARK(tickWithHookOnSystemClock)->Arg(10)->Arg(2000);
+
 void snapshot(benchmark::State &state)
 {
-    Bench b(int(state.range(0)));
+    Bench<ManualClock> b(int(state.range(0)));
     for (auto _ : state) {
         TimerStateSnapshot s = b.engine.snapshot();
         benchmark::DoNotOptimize(s);
@@ -68,7 +92,7 @@ BENCHMARK(snapshot)->Arg(10)->Arg(2000);
 
 void updateCue(benchmark::State &state)
 {
-    Bench b(int(state.range(0)));
+    Bench<ManualClock> b(int(state.range(0)));
     Cue cue = b.engine.session().cues[1];
     int n = 0;
     for (auto _ : state) {
@@ -80,7 +104,7 @@ BENCHMARK(updateCue)->Arg(10)->Arg(2000);
 
 void undo(benchmark::State &state)
 {
-    Bench b(int(state.range(0)));
+    Bench<ManualClock> b(int(state.range(0)));
     Cue cue = b.engine.session().cues[1];
     int n = 0;
     for (auto _ : state) {

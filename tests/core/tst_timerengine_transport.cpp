@@ -150,6 +150,28 @@ private slots:
         QCOMPARE(f.engine.remaining(), 0.0);
     }
 
+    void aHardOutCueOverTheSpringForwardNightCountsRealTime()
+    {
+        // 01:00 CET on 29 March 2026; 02:30 does not exist that night, so the cue ends when the
+        // clocks jump to 03:00 CEST, one real hour later.
+        EngineFixture f(paris(2026, 3, 29, 1, 0));
+        f.engine.loadSession(showOf({hardOutCue("Nuit blanche", 2, 30)}));
+        f.engine.start();
+        QCOMPARE(f.engine.remaining(), 3600.0);
+        f.clock.advance(3600s);
+        f.engine.tick();
+        QCOMPARE(f.engine.remaining(), 0.0);
+    }
+
+    void aHardOutCueOnTheFallBackNightEndsAtTheFirstOccurrence()
+    {
+        // 01:00 CEST on 25 October 2026: 02:30 happens twice; the first is 90 minutes away.
+        EngineFixture f(paris(2026, 10, 25, 1, 0));
+        f.engine.loadSession(showOf({hardOutCue("Nuit", 2, 30)}));
+        f.engine.start();
+        QCOMPARE(f.engine.remaining(), 5400.0);
+    }
+
     void aHardOutCueWithoutEndTimeRunsForItsDuration()
     {
         EngineFixture f;
