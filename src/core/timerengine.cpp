@@ -6,6 +6,7 @@
 
 #include <QMetaObject>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -112,7 +113,7 @@ void TimerEngine::refreshDerived()
     }
     const std::optional<int> base = baseIndex();
     double sum = 0;
-    for (qsizetype i = base ? *base + 1 : 0; i < m_session.cues.size(); ++i)
+    for (qsizetype i = base ? std::max(*base + 1, 0) : 0; i < m_session.cues.size(); ++i)
         sum += m_session.cues[i].duration;
     m_durationsAfterBase = sum;
     emit activeCueChanged();
@@ -173,36 +174,32 @@ void TimerEngine::setActiveCueID(std::optional<QUuid> id)
     refreshDerived();
 }
 
+void TimerEngine::setFlag(bool &flag, bool on, void (TimerEngine::*changed)())
+{
+    if (flag != on) {
+        flag = on;
+        emit(this->*changed)();
+    }
+}
+
 void TimerEngine::setBlackout(bool on)
 {
-    if (m_blackout != on) {
-        m_blackout = on;
-        emit blackoutChanged();
-    }
+    setFlag(m_blackout, on, &TimerEngine::blackoutChanged);
 }
 
 void TimerEngine::setClockMode(bool on)
 {
-    if (m_clockMode != on) {
-        m_clockMode = on;
-        emit clockModeChanged();
-    }
+    setFlag(m_clockMode, on, &TimerEngine::clockModeChanged);
 }
 
 void TimerEngine::setShowLocked(bool on)
 {
-    if (m_showLocked != on) {
-        m_showLocked = on;
-        emit showLockedChanged();
-    }
+    setFlag(m_showLocked, on, &TimerEngine::showLockedChanged);
 }
 
 void TimerEngine::setSoundsEnabled(bool on)
 {
-    if (m_soundsEnabled != on) {
-        m_soundsEnabled = on;
-        emit soundsEnabledChanged();
-    }
+    setFlag(m_soundsEnabled, on, &TimerEngine::soundsEnabledChanged);
 }
 
 void TimerEngine::setRunState(bool running, bool paused)

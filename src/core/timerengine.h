@@ -210,6 +210,7 @@ private:
     void fireAlerts(const Cue &cue);
     void clearAlertLatches();
     void setRunState(bool running, bool paused);
+    void setFlag(bool &flag, bool on, void (TimerEngine::*changed)());
     void runTick();
 
     // Ticker.
