@@ -1,6 +1,8 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "formatters.h"
+#include "soundmanager.h"
 #include "systemclock.h"
+#include "timerengine.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -14,6 +16,8 @@ int main(int argc, char *argv[])
 
     SystemClock clock;
     Fmt::setTimeZone(clock.timeZone());
+    SoundManager sounds;
+    TimerEngine engine(clock, sounds);
 
     QQmlApplicationEngine qml;
     QObject::connect(

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Measures the alert latency against a private PulseAudio server, on an output without
+# rewinds (as the tests use) and on one with the server's defaults.
+set -euo pipefail
+here=$(cd "$(dirname "$0")/.." && pwd)
+bench=${1:-$here/build/bench/bench_alertlatency}
+"$here/tests/audio/with-pulseaudio.sh" bash -c "
+    '$bench' kairon_stage 20
+    pactl load-module module-null-sink sink_name=kairon_plain rate=48000 >/dev/null
+    sleep 0.5
+    '$bench' kairon_plain 20
+"
