@@ -1,5 +1,7 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "formatters.h"
+#include "networkcoordinator.h"
+#include "qttranslations.h"
 #include "soundmanager.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -16,8 +18,12 @@ int main(int argc, char *argv[])
 
     SystemClock clock;
     Fmt::setTimeZone(clock.timeZone());
+    installQtTranslations(app);
     SoundManager sounds;
     TimerEngine engine(clock, sounds);
+    // Remote control is live before any window shows.
+    NetworkCoordinator network;
+    network.attach(&engine);
 
     QQmlApplicationEngine qml;
     QObject::connect(

@@ -1,0 +1,112 @@
+#include "networkcoordinator.h"
+
+#include "preferences.h"
+#include "timerengine.h"
+
+#include <QElapsedTimer>
+
+#include <cmath>
+
+NetworkCoordinator::NetworkCoordinator(QObject *parent) : QObject(parent) {}
+
+void NetworkCoordinator::attach(TimerEngine *engine)
+{
+    m_engine = engine;
+    // Commands are handled on a later turn of the main loop, never inside the callback.
+    m_osc.onCommand = [this](const OSCMessage &message) {
+        m_queued.append(message);
+        if (!m_handlingScheduled) {
+            m_handlingScheduled = true;
+            QMetaObject::invokeMethod(this, &NetworkCoordinator::handleQueuedCommands,
+                                      Qt::QueuedConnection);
+        }
+    };
+    m_osc.onListenStatus = [this](const std::optional<QString> &status) {
+        m_oscStatus = status;
+        emit oscStatusChanged();
+    };
+    engine->setOnStateChange([self = QPointer(this)](const TimerStateSnapshot &snapshot) {
+        if (self)
+            self->emitState(snapshot);
+    });
+    applyOSCSettings();
+}
+
+void NetworkCoordinator::handleQueuedCommands()
+{
+    QElapsedTimer spent;
+    spent.start();
+    qsizetype handled = 0;
+    while (handled < m_queued.size() && spent.elapsed() < commandBudgetMs)
+        handleCommand(m_queued[handled++]);
+    m_queued.remove(0, handled);
+    m_handlingScheduled = !m_queued.isEmpty();
+    if (m_handlingScheduled)
+        QMetaObject::invokeMethod(this, &NetworkCoordinator::handleQueuedCommands,
+                                  Qt::QueuedConnection);
+}
+
+void NetworkCoordinator::handleCommand(const OSCMessage &message)
+{
+    TimerEngine *engine = m_engine;
+    if (!engine)
+        return;
+    const QString &a = message.address;
+    if (a == QLatin1StringView("/kairon/play")) {
+        engine->start();
+    } else if (a == QLatin1StringView("/kairon/pause")) {
+        engine->pause();
+    } else if (a == QLatin1StringView("/kairon/stop")) {
+        engine->stop();
+    } else if (a == QLatin1StringView("/kairon/next")) {
+        engine->next();
+    } else if (a == QLatin1StringView("/kairon/prev")) {
+        engine->previous();
+    } else if (a == QLatin1StringView("/kairon/reset")) {
+        engine->reset();
+    } else if (a == QLatin1StringView("/kairon/blackout")) {
+        // Always a toggle, never a set; the engine's flags call no hook themselves.
+        engine->setBlackout(!engine->blackout());
+        if (engine->onStateChange())
+            engine->onStateChange()(engine->snapshot());
+    } else if (a == QLatin1StringView("/kairon/blink")) {
+        engine->triggerBlink(3.0);
+    } else if (a == QLatin1StringView("/kairon/message")) {
+        if (message.stringArg)
+            engine->sendMessage(*message.stringArg, false);
+    } else if (a == QLatin1StringView("/kairon/adjust")) {
+        if (message.intArg)
+            engine->adjust(double(*message.intArg));
+    }
+}
+
+void NetworkCoordinator::emitState(const TimerStateSnapshot &snapshot)
+{
+    // The three messages travel together, at most once per change of the whole second; a
+    // change of the running flag or the cue within the same second waits for the next one.
+    const auto second = static_cast<qint64>(std::floor(snapshot.remaining));
+    if (second == m_lastSentSecond)
+        return;
+    m_lastSentSecond = second;
+    m_osc.send(QStringLiteral("/kairon/remaining"), {float(snapshot.remaining)});
+    m_osc.send(QStringLiteral("/kairon/running"), {qint32(snapshot.running ? 1 : 0)});
+    m_osc.send(QStringLiteral("/kairon/cue"), {snapshot.cueName});
+}
+
+void NetworkCoordinator::applyOSCSettings()
+{
+    const Preferences::OscSettings stored = Preferences::storedOscSettings();
+    if (stored.listenEnabled && stored.listenPort >= 1 && stored.listenPort <= 65535)
+        m_osc.startListening(quint16(stored.listenPort));
+    else
+        m_osc.stopListening();
+    if (stored.sendEnabled && stored.sendPort >= 1 && stored.sendPort <= 65535)
+        m_osc.configureSend(stored.sendHost, quint16(stored.sendPort));
+    else
+        m_osc.configureSend(QString(), 0);
+}
+
+QVariant NetworkCoordinator::oscStatusVariant() const
+{
+    return m_oscStatus ? QVariant(*m_oscStatus) : QVariant();
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "oscservice.h"
+#include "timerstatesnapshot.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QVariant>
+
+#include <limits>
+
+class TimerEngine;
+
+// Binds remote control to the engine: received OSC commands become engine operations, and the
+// engine's state goes out as OSC messages at most once per whole second of remaining time.
+class NetworkCoordinator : public QObject
+{
+    Q_OBJECT
+    // The listener's last status text; null while listening works or nothing was asked.
+    Q_PROPERTY(QVariant oscStatus READ oscStatusVariant NOTIFY oscStatusChanged FINAL)
+
+public:
+    explicit NetworkCoordinator(QObject *parent = nullptr);
+
+    // Keeps the engine (weakly), takes over the OSC callbacks and the engine's state hook, then
+    // applies the stored OSC preferences.
+    void attach(TimerEngine *engine);
+    // Reads the stored OSC preferences afresh and (re)configures listening and sending. A port
+    // never stored reads as 0 and disables its direction.
+    Q_INVOKABLE void applyOSCSettings();
+
+    std::optional<QString> oscStatus() const { return m_oscStatus; }
+    OSCService &osc() { return m_osc; }
+
+    // Handles one command now (the OSC callback queues them first, see attach()).
+    void handleCommand(const OSCMessage &message);
+    // Sends the state if its whole second of remaining time differs from the last one sent.
+    void emitState(const TimerStateSnapshot &snapshot);
+
+    // Longest stretch of command handling in one turn of the event loop, so that a flood of
+    // commands never holds back the engine's ticker.
+    static constexpr int commandBudgetMs = 5;
+
+signals:
+    void oscStatusChanged();
+
+private:
+    QVariant oscStatusVariant() const;
+    void handleQueuedCommands();
+
+    OSCService m_osc;
+    QPointer<TimerEngine> m_engine;
+    qint64 m_lastSentSecond = std::numeric_limits<qint64>::min();
+    std::optional<QString> m_oscStatus;
+    QList<OSCMessage> m_queued;
+    bool m_handlingScheduled = false;
+};

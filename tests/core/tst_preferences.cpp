@@ -1,0 +1,69 @@
+#include "preferences.h"
+#include "settingssandbox.h"
+
+#include <QSettings>
+#include <QTest>
+
+class TestPreferences : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aFreshInstallationShowsTheDocumentedDefaults()
+    {
+        SettingsSandbox sandbox;
+        QCOMPARE(Preferences::oscListenEnabled(), false);
+        QCOMPARE(Preferences::oscListenPort(), 53100);
+        QCOMPARE(Preferences::oscSendEnabled(), false);
+        QCOMPARE(Preferences::oscSendHost(), QStringLiteral("127.0.0.1"));
+        QCOMPARE(Preferences::oscSendPort(), 53101);
+        QCOMPARE(Preferences::splashDuration(), 10.0);
+        QCOMPARE(Preferences::alertOutputUID(), QString());
+    }
+
+    void rawReadersSeeNeverStoredKeysAsFalseZeroOrEmpty()
+    {
+        SettingsSandbox sandbox;
+        const Preferences::OscSettings raw = Preferences::storedOscSettings();
+        QCOMPARE(raw.listenEnabled, false);
+        QCOMPARE(raw.listenPort, 0);
+        QCOMPARE(raw.sendEnabled, false);
+        QCOMPARE(raw.sendHost, QStringLiteral("127.0.0.1"));
+        QCOMPARE(raw.sendPort, 0);
+        QCOMPARE(Preferences::storedSplashDuration(), 0.0);
+    }
+
+    void storedValuesAreReadBackByBothReaders()
+    {
+        SettingsSandbox sandbox;
+        Preferences::setOscListenEnabled(true);
+        Preferences::setOscListenPort(53000);
+        Preferences::setOscSendEnabled(true);
+        Preferences::setOscSendHost(QStringLiteral("regie.local"));
+        Preferences::setOscSendPort(9000);
+        Preferences::setSplashDuration(3);
+        Preferences::setAlertOutputUID(QStringLiteral("alsa_output.usb-Focusrite"));
+        const Preferences::OscSettings expected{true, 53000, true, QStringLiteral("regie.local"), 9000};
+        QCOMPARE(Preferences::storedOscSettings(), expected);
+        QCOMPARE(Preferences::oscListenPort(), 53000);
+        QCOMPARE(Preferences::oscSendHost(), QStringLiteral("regie.local"));
+        QCOMPARE(Preferences::splashDuration(), 3.0);
+        QCOMPARE(Preferences::storedSplashDuration(), 3.0);
+        QCOMPARE(Preferences::alertOutputUID(), QStringLiteral("alsa_output.usb-Focusrite"));
+    }
+
+    void theyPersistUnderTheirOwnKeys()
+    {
+        SettingsSandbox sandbox;
+        Preferences::setOscListenPort(53200);
+        Preferences::setAlertOutputUID(QStringLiteral("kairon_stage"));
+        QSettings().sync();
+        const QSettings stored;
+        QCOMPARE(stored.value("oscListenPort").toInt(), 53200);
+        QCOMPARE(stored.value("alertOutputUID").toString(), QStringLiteral("kairon_stage"));
+        QVERIFY(QFileInfo(stored.fileName()).absoluteFilePath().startsWith(sandbox.path()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPreferences)
+#include "tst_preferences.moc"
