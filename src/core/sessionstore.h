@@ -1,0 +1,68 @@
+#pragma once
+
+#include "clock.h"
+#include "projectmeta.h"
+#include "timersession.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// The project library: one file per show in Documents/Kairon/Projets, named after the show's
+// id ("<ID>.orvprjct", so renaming a show never moves its file). It keeps nothing between
+// calls: every call goes to the disk. Writes are atomic: a failed save never damages the file
+// that was there. Errors come back as French descriptions fit to follow a caller's prefix
+// ("Échec de sauvegarde : …"), never empty.
+//
+// The file dialogs belong to the views; import and export here read and write a path the user
+// chose, and fail silently as the library page expects.
+class SessionStore
+{
+public:
+    // `clock` dates renames and duplicates.
+    explicit SessionStore(const Clock &clock) : m_clock(clock) {}
+
+    static constexpr QLatin1StringView extension{"orvprjct"};
+
+    // The library folder, created (with its parents) on every call; a failure to create it is
+    // ignored here and shows at the next read or write.
+    QString folder() const;
+
+    // Writes the show as <ID>.orvprjct, replacing that file atomically; returns its path.
+    std::optional<QString> save(const TimerSession &session, QString *error = nullptr) const;
+    // The project files, newest first by modification date; ties keep the directory's order,
+    // and files whose date cannot be read come last. Only the exact extension "orvprjct".
+    QStringList listProjects() const;
+    // Reads one project file with the project document's rules.
+    std::optional<TimerSession> read(const QString &path, QString *error = nullptr) const;
+    // The listing entry of a file; an unreadable file gets its file name and "fichier illisible".
+    ProjectMeta meta(const QString &path) const;
+    // Gives the show its new name (taken as given) and saves it under its id; a file that was
+    // not named after its id is then removed. Returns the project's path.
+    std::optional<QString> rename(const QString &path, const QString &newName,
+                                  QString *error = nullptr) const;
+    // Moves the file to the user's Trash; nothing is ever erased outright.
+    bool deleteProject(const QString &path, QString *error = nullptr) const;
+    // Saves a copy with a new id, " copie" after the name and both dates now; returns its path.
+    std::optional<QString> duplicate(const QString &path, QString *error = nullptr) const;
+
+    // Reads a file chosen by the user and saves it into the library unchanged (a project with
+    // the same id is replaced: that is how an exported project comes back). Nothing when the
+    // file cannot be read; a failure to save it into the library is ignored.
+    std::optional<TimerSession> importFrom(const QString &path) const;
+    // Writes the show to a path chosen by the user; every failure is silent.
+    void exportTo(const TimerSession &session, const QString &path) const;
+    // The file name offered when exporting: the show's name with "/" and ":" made "-".
+    static QString exportFileName(const TimerSession &session);
+
+    // A file's content modification date, or nothing when it cannot be read.
+    static std::optional<QDateTime> modDate(const QString &path);
+
+private:
+    static std::optional<QDateTime> modDate(const QFileInfo &info);
+
+    const Clock &m_clock;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+// The user's folders Kairon keeps its files in, under the Documents folder of the platform.
+namespace UserFolders {
+
+// Documents/Kairon/Projets and Documents/Kairon/Reports. Empty when the platform reports no
+// Documents folder at all.
+QString projects();
+QString reports();
+
+// Creates `path` with every missing parent. False, with a French reason in `error`, when it
+// cannot be made (a file stands in the way, the disk refuses).
+bool ensure(const QString &path, QString *error = nullptr);
+
+// A file name made of free text: every "/" becomes "-" (and every ":" too when asked), so that
+// the text names one file in one folder.
+QString fileNameSafe(QString text, bool replaceColons);
+
+} // namespace UserFolders
