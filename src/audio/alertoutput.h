@@ -19,6 +19,7 @@ public:
     // 48 kHz 16-bit stereo PCM. False when the output cannot be opened.
     bool play(const QByteArray &pcm);
     QByteArray deviceId() const { return m_device.id(); }
+    bool isSounding() const { return m_stream != nullptr; }
 
 private:
     void feed();

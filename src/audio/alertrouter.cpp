@@ -46,6 +46,11 @@ void AlertRouter::play(const QString &name, const QString &outputUID)
         playOnSystemOutput(pcm);
 }
 
+bool AlertRouter::isSounding() const
+{
+    return (m_routed && m_routed->isSounding()) || (m_system && m_system->isSounding());
+}
+
 void AlertRouter::playOnSystemOutput(const QByteArray &pcm)
 {
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();

@@ -21,6 +21,8 @@ public:
 
     // `outputUID` is the preference as read when the alert was asked for.
     void play(const QString &name, const QString &outputUID);
+    // Whether an alert may still be sounding on one of the outputs.
+    bool isSounding() const;
 
 private:
     QByteArray sound(const QString &name);

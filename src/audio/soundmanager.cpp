@@ -13,9 +13,18 @@ SoundManager::SoundManager(QObject *parent) : QObject(parent)
 
 SoundManager::~SoundManager()
 {
-    // The outputs are closed on the thread they live on, before it ends.
-    QMetaObject::invokeMethod(m_router, [router = m_router] { delete router; },
-                              Qt::BlockingQueuedConnection);
+    // The outputs are closed on the thread they live on, before it ends. A stream closed while
+    // it still plays is released by the sound server a moment later; leaving before that lets
+    // the PulseAudio client library trip over it as the process exits.
+    QMetaObject::invokeMethod(
+        m_router,
+        [router = m_router] {
+            const bool sounding = router->isSounding();
+            delete router;
+            if (sounding)
+                QThread::msleep(200);
+        },
+        Qt::BlockingQueuedConnection);
     m_thread.quit();
     m_thread.wait();
 }
