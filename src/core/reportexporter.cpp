@@ -4,8 +4,6 @@
 #include "internetdate.h"
 #include "userfolders.h"
 
-#include <QDir>
-#include <QSaveFile>
 
 #include <cmath>
 
@@ -45,10 +43,7 @@ QString wholeSeconds(double seconds)
 
 QString fileName(const TimerSession &session, const QDateTime &now, const QTimeZone &zone)
 {
-    // Only "/" is replaced: the report keeps the colons of the name.
-    return QStringLiteral("Rapport_") + UserFolders::fileNameSafe(session.name, false) + u'_'
-           + now.toTimeZone(zone).toString(QStringLiteral("yyyy-MM-dd_HH-mm"))
-           + QStringLiteral(".csv");
+    return ReportFiles::fileName(QStringLiteral("Rapport"), session, now, zone, QStringLiteral("csv"));
 }
 
 QString reportText(const TimerSession &session, const QList<CueLogEntry> &log,
@@ -85,23 +80,17 @@ QString reportText(const TimerSession &session, const QList<CueLogEntry> &log,
 std::optional<QString> exportCSV(const TimerSession &session, const QList<CueLogEntry> &log,
                                  double totalOvertime, ExportError *error)
 {
-    const QString folder = UserFolders::reports();
-    QString reason;
-    if (!UserFolders::ensure(folder, &reason)) {
-        if (error)
-            *error = ExportError{QStringLiteral("Kairon"), 2, reason};
-        return std::nullopt;
-    }
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    const QString path = QDir(folder).filePath(fileName(session, now, Fmt::timeZone()));
+    const std::optional<QString> target = ReportFiles::pathFor(fileName(session, now, Fmt::timeZone()), error);
+    if (!target)
+        return std::nullopt;
+    const QString &path = *target;
     const QByteArray bytes =
         reportText(session, log, totalOvertime, now, Fmt::locale(), Fmt::timeZone()).toUtf8();
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    QString reason;
+    if (!UserFolders::writeAtomically(path, bytes, &reason)) {
         if (error)
-            *error = ExportError{QStringLiteral("Kairon"), 3,
-                                 QStringLiteral("impossible d'écrire « %1 » (%2)")
-                                     .arg(QDir::toNativeSeparators(path), file.errorString())};
+            *error = ExportError{QStringLiteral("Kairon"), 3, reason};
         return std::nullopt;
     }
     return path;

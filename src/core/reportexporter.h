@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cuelogentry.h"
-#include "exporterror.h"
+#include "reportfiles.h"
 #include "timersession.h"
 
 #include <QDateTime>

@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -17,25 +16,6 @@ namespace {
 QString quoted(const QString &path)
 {
     return QStringLiteral("« %1 »").arg(QDir::toNativeSeparators(path));
-}
-
-// Writes `bytes` to `path` atomically: a temporary file beside it, renamed into place only once
-// it is complete, so that the previous file survives any failure.
-bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        if (error)
-            *error = QStringLiteral("impossible d'écrire %1 (%2)").arg(quoted(path), file.errorString());
-        return false;
-    }
-    if (file.write(bytes) != bytes.size() || !file.commit()) {
-        if (error)
-            *error = QStringLiteral("impossible d'écrire %1 (%2)").arg(quoted(path), file.errorString());
-        file.cancelWriting();
-        return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -53,7 +33,7 @@ std::optional<QString> SessionStore::save(const TimerSession &session, QString *
     if (!bytes)
         return std::nullopt;
     const QString path = QDir(folder()).filePath(UuidText::canonical(session.id) + u'.' + extension);
-    if (!writeAtomically(path, *bytes, error))
+    if (!UserFolders::writeAtomically(path, *bytes, error))
         return std::nullopt;
     return path;
 }
@@ -180,7 +160,7 @@ std::optional<TimerSession> SessionStore::importFrom(const QString &path) const
 void SessionStore::exportTo(const TimerSession &session, const QString &path) const
 {
     if (const std::optional<QByteArray> bytes = ProjectDocument::encode(session))
-        writeAtomically(path, *bytes, nullptr);
+        UserFolders::writeAtomically(path, *bytes);
 }
 
 QString SessionStore::exportFileName(const TimerSession &session)

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace UserFolders {
@@ -38,6 +39,18 @@ bool ensure(const QString &path, QString *error)
         return true;
     if (error)
         *error = QStringLiteral("impossible de créer le dossier « %1 »").arg(QDir::toNativeSeparators(path));
+    return false;
+}
+
+bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error)
+{
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return true;
+    if (error)
+        *error = QStringLiteral("impossible d'écrire « %1 » (%2)")
+                     .arg(QDir::toNativeSeparators(path), file.errorString());
+    file.cancelWriting();
     return false;
 }
 

@@ -16,6 +16,11 @@ QString reports();
 // cannot be made (a file stands in the way, the disk refuses).
 bool ensure(const QString &path, QString *error = nullptr);
 
+// Writes `bytes` to `path` atomically: a temporary file beside it, put in place only once it is
+// complete, so that the previous file survives any failure. False, with a French reason in
+// `error`, when it cannot be done.
+bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error = nullptr);
+
 // A file name made of free text: every "/" becomes "-" (and every ":" too when asked), so that
 // the text names one file in one folder.
 QString fileNameSafe(QString text, bool replaceColons);

@@ -3,7 +3,6 @@
 #include "brand.h"
 #include "formatters.h"
 #include "timerengine.h"
-#include "userfolders.h"
 #include "walltime.h"
 
 #include <QDir>
@@ -43,8 +42,7 @@ QString shortened(const QString &text, int limit)
 QString RundownPDFExporter::fileName(const TimerSession &session, const QDateTime &now,
                                      const QTimeZone &zone)
 {
-    return QStringLiteral("Rundown_") + UserFolders::fileNameSafe(session.name, false) + u'_'
-           + now.toTimeZone(zone).toString(QStringLiteral("yyyy-MM-dd_HH-mm")) + QStringLiteral(".pdf");
+    return ReportFiles::fileName(QStringLiteral("Rundown"), session, now, zone, QStringLiteral("pdf"));
 }
 
 QDateTime RundownPDFExporter::showStart(const TimerSession &session, const QDateTime &now,
@@ -180,16 +178,11 @@ bool RundownPDFExporter::write(const TimerSession &session, QIODevice *device,
 
 std::optional<QString> RundownPDFExporter::exportPDF(const TimerSession &session, ExportError *error)
 {
-    const QString folder = UserFolders::reports();
-    QString reason;
-    if (!UserFolders::ensure(folder, &reason)) {
-        if (error)
-            *error = ExportError{QStringLiteral("Kairon"), 2, reason};
-        return std::nullopt;
-    }
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    const QString path = QDir(folder).filePath(fileName(session, now, Fmt::timeZone()));
-    QSaveFile file(path);
+    const std::optional<QString> path = ReportFiles::pathFor(fileName(session, now, Fmt::timeZone()), error);
+    if (!path)
+        return std::nullopt;
+    QSaveFile file(*path);
     if (!file.open(QIODevice::WriteOnly) || !write(session, &file, now, Fmt::locale(), Fmt::timeZone())
         || !file.commit()) {
         file.cancelWriting();
@@ -197,5 +190,5 @@ std::optional<QString> RundownPDFExporter::exportPDF(const TimerSession &session
             *error = ExportError{QStringLiteral("Kairon"), 1, QStringLiteral("Impossible de créer le PDF")};
         return std::nullopt;
     }
-    return path;
+    return *path;
 }

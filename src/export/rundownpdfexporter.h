@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exporterror.h"
+#include "reportfiles.h"
 #include "timersession.h"
 
 #include <QDateTime>

@@ -139,10 +139,7 @@ private slots:
     void aReportsFolderThatCannotBeMadeIsAnError()
     {
         TempHome home;
-        QVERIFY(QDir().mkpath(home.file(QStringLiteral("Documents/Kairon"))));
-        QFile blocker(home.file(QStringLiteral("Documents/Kairon/Reports")));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
+        home.blockWithAFile(QStringLiteral("Documents/Kairon/Reports"));
         ExportError error;
         QVERIFY(!ReportExporter::exportCSV(fullShow(), fullLog, 0, &error));
         QCOMPARE(error.domain, QStringLiteral("Kairon"));

@@ -353,10 +353,7 @@ private slots:
     void aReportsFolderThatCannotBeMadeIsAnError()
     {
         TempHome home;
-        QVERIFY(QDir().mkpath(home.file(QStringLiteral("Documents/Kairon"))));
-        QFile blocker(home.file(QStringLiteral("Documents/Kairon/Reports")));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
+        home.blockWithAFile(QStringLiteral("Documents/Kairon/Reports"));
         ExportError error;
         QVERIFY(!RundownPDFExporter::exportPDF(showOf(1), &error));
         QVERIFY(error.description.startsWith(QStringLiteral("impossible de créer le dossier « ")));

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 // Gives the test a fresh, empty home folder: Documents, the Trash and the settings all land in
@@ -18,6 +20,16 @@ public:
     ~TempHome() { qputenv("HOME", m_previous); }
 
     QString path() const { return m_dir.path(); }
+
+    // Puts a plain file where a folder is expected, so that the folder cannot be made.
+    void blockWithAFile(const QString &relative) const
+    {
+        const QString at = file(relative);
+        QDir().mkpath(QFileInfo(at).absolutePath());
+        QFile blocker(at);
+        blocker.open(QIODevice::WriteOnly);
+        blocker.write("in the way");
+    }
     QString file(const QString &relative) const { return QDir(m_dir.path()).filePath(relative); }
 
 private:
