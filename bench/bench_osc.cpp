@@ -6,6 +6,7 @@
 //  3. from a /kairon/play datagram to the /kairon/running 1 datagram reaching the peer;
 //  4. 5,000 commands a second for 10 s: how many were lost.
 // Run: build/bench/bench_osc
+#include "benchsupport.h"
 #include "networkcoordinator.h"
 #include "preferences.h"
 #include "systemclock.h"
@@ -28,18 +29,6 @@
 namespace {
 
 constexpr quint16 listenPort = 53391, sendPort = 53392;
-
-qint64 nowNs()
-{
-    using namespace std::chrono;
-    return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
-}
-
-class SilentPlayer final : public AlertPlayer
-{
-public:
-    void play(const QString &) override {}
-};
 
 void report(const char *what, std::vector<double> values, const char *unit)
 {
@@ -71,11 +60,7 @@ int main(int argc, char **argv)
     SystemClock clock;
     SilentPlayer sound;
     TimerEngine engine(clock, sound);
-    TimerSession show;
-    Cue cue;
-    cue.duration = 36000;
-    show.cues << cue;
-    engine.loadSession(show);
+    engine.loadSession(showWithOneCue(36000));
     NetworkCoordinator coordinator;
     coordinator.attach(&engine);
 
@@ -86,7 +71,7 @@ int main(int argc, char **argv)
     engine.setOnStateChange([&](const TimerStateSnapshot &s) {
         if (s.paused != lastPaused) {
             lastPaused = s.paused;
-            operationAt = nowNs();
+            operationAt = steadyNs();
         }
         coordinator.emitState(s);
     });
@@ -106,7 +91,7 @@ int main(int argc, char **argv)
     ticker.setTimerType(Qt::PreciseTimer);
     ticker.setInterval(100);
     QObject::connect(&ticker, &QTimer::timeout, [&] {
-        const qint64 t = nowNs();
+        const qint64 t = steadyNs();
         if (watchTicks && lastTick)
             tickLateMs.push_back((t - lastTick) / 1e6 - 100.0);
         lastTick = t;
@@ -131,13 +116,13 @@ int main(int argc, char **argv)
         for (int round = 0; round < 1000; ++round) {
             while (in.hasPendingDatagrams())
                 in.receiveDatagram();
-            const qint64 sent = nowNs();
+            const qint64 sent = steadyNs();
             out.writeDatagram(play, to, listenPort);
             for (bool seen = false; !seen && in.waitForReadyRead(2000);) {
                 while (in.hasPendingDatagrams()) {
                     const auto m = OSCCodec::decode(in.receiveDatagram().data());
                     if (m && m->address == QLatin1StringView("/kairon/running") && m->intArg == 1) {
-                        playToRunning.push_back((nowNs() - sent) / 1e6);
+                        playToRunning.push_back((steadyNs() - sent) / 1e6);
                         seen = true;
                     }
                 }
@@ -153,7 +138,7 @@ int main(int argc, char **argv)
         std::vector<double> latency;
         for (int i = 0; i < 10000; ++i) {
             const qint64 before = operationAt;
-            const qint64 sent = nowNs();
+            const qint64 sent = steadyNs();
             out.writeDatagram(pause, to, listenPort);
             while (operationAt == before)
                 std::this_thread::yield();
@@ -164,20 +149,20 @@ int main(int argc, char **argv)
         // 2. flood.
         watchTicks = true;
         adjustments = 0;
-        const qint64 floodStart = nowNs();
+        const qint64 floodStart = steadyNs();
         for (int i = 0; i < 100000; ++i)
             out.writeDatagram(adjust, to, listenPort);
-        const double sendMs = (nowNs() - floodStart) / 1e6;
+        const double sendMs = (steadyNs() - floodStart) / 1e6;
         std::this_thread::sleep_for(std::chrono::seconds(2));
         watchTicks = false;
         std::printf("flood: 100000 datagrams sent in %.0f ms, %ld handled\n", sendMs, adjustments.load());
 
         // 4. 5,000 a second for 10 s.
         adjustments = 0;
-        const qint64 paceStart = nowNs();
+        const qint64 paceStart = steadyNs();
         for (int i = 0; i < 50000; ++i) {
             const qint64 due = paceStart + qint64(i) * 200'000;
-            while (nowNs() < due)
+            while (steadyNs() < due)
                 std::this_thread::yield();
             out.writeDatagram(adjust, to, listenPort);
         }

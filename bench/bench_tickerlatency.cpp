@@ -1,5 +1,6 @@
 // How late after each true change of the displayed second the tick that shows it runs, with
 // the real clock and the real QTimer. Run: build/bench/bench_tickerlatency [seconds, default 60]
+#include "benchsupport.h"
 #include "systemclock.h"
 #include "timerengine.h"
 
@@ -12,22 +13,6 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
-
-class SilentPlayer final : public AlertPlayer
-{
-public:
-    void play(const QString &) override {}
-};
-
-qint64 steadyNs()
-{
-    using namespace std::chrono;
-    return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
-}
-
-} // namespace
-
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
@@ -36,11 +21,7 @@ int main(int argc, char **argv)
     SystemClock clock;
     SilentPlayer sound;
     TimerEngine engine(clock, sound);
-    TimerSession show;
-    Cue cue;
-    cue.duration = 3600;
-    show.cues << cue;
-    engine.loadSession(show);
+    engine.loadSession(showWithOneCue(3600));
 
     // The displayed second changes just after each whole second from the cue's start.
     qint64 startUs = 0;

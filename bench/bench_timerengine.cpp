@@ -1,5 +1,6 @@
 // The engine's own cost: one tick with the state hook attached, one snapshot, and list edits,
 // on a show of 10 and of 2,000 cues. Run: build/bench/bench_timerengine
+#include "benchsupport.h"
 #include "manualclock.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -13,12 +14,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-class SilentPlayer final : public AlertPlayer
-{
-public:
-    void play(const QString &) override {}
-};
 
 template <typename ClockType>
 ClockType makeClock()
