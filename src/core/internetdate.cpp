@@ -41,10 +41,14 @@ std::optional<QDateTime> parse(const QString &text)
     if (text[4] != u'-' || text[7] != u'-' || text[10] != u'T' || text[13] != u':'
         || text[16] != u':')
         return std::nullopt;
-    const QDate date(digits(text, 0, 4), digits(text, 5, 2), digits(text, 8, 2));
+    const int year = digits(text, 0, 4), month = digits(text, 5, 2), day = digits(text, 8, 2);
     const int hour = digits(text, 11, 2), minute = digits(text, 14, 2), second = digits(text, 17, 2);
-    if (!date.isValid() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0
-        || second > 59)
+    // digits() gives -1 for anything but ASCII digits, and QDate would take -1 as a year.
+    if (year < 1 || month < 0 || day < 0 || hour < 0 || hour > 23 || minute < 0 || minute > 59
+        || second < 0 || second > 59)
+        return std::nullopt;
+    const QDate date(year, month, day);
+    if (!date.isValid())
         return std::nullopt;
 
     int offsetSeconds = 0;
@@ -59,7 +63,13 @@ std::optional<QDateTime> parse(const QString &text)
             return std::nullopt;
         offsetSeconds = (sign == u'+' ? 1 : -1) * (oh * 3600 + om * 60);
     }
-    return QDateTime(date, QTime(hour, minute, second), Qt::UTC).addSecs(-offsetSeconds);
+    const QDateTime utc =
+        QDateTime(date, QTime(hour, minute, second), Qt::UTC).addSecs(-offsetSeconds);
+    // Only instants that format() can write back in four-digit years are read, so that every
+    // date read is saved in a form that reads again.
+    if (utc.date().year() < 1 || utc.date().year() > 9999)
+        return std::nullopt;
+    return utc;
 }
 
 } // namespace InternetDate

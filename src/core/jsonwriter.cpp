@@ -61,7 +61,19 @@ private:
     void string(const QString &s)
     {
         out += '"';
-        const QByteArray utf8 = s.toUtf8();
+        // The byte-order mark is written escaped: Qt's reader drops it, raw, at the start of a
+        // text, and the text read back would differ.
+        const QList<QStringView> parts = QStringView(s).split(QChar(0xFEFF));
+        for (qsizetype i = 0; i < parts.size(); ++i) {
+            if (i > 0)
+                out += "\\ufeff";
+            stringPart(parts[i].toUtf8());
+        }
+        out += '"';
+    }
+
+    void stringPart(const QByteArray &utf8)
+    {
         for (const char ch : utf8) {
             const auto c = static_cast<unsigned char>(ch);
             switch (c) {
@@ -84,7 +96,6 @@ private:
                 }
             }
         }
-        out += '"';
     }
 
     bool array(const QJsonArray &a, int depth)

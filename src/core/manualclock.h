@@ -26,6 +26,9 @@ public:
     // Moves both clocks forward at once, then fires each timer that fell due, late (as after
     // a stalled event loop).
     void jump(std::chrono::microseconds step);
+    // Moves both clocks forward and fires nothing, as while the event loop is busy elsewhere:
+    // the timers that fell due fire, late, at the next advance() or jump().
+    void stall(std::chrono::microseconds step) { move(step.count()); }
     // Steps the wall clock alone, as an NTP correction would; monotonic time does not move.
     void setWallClock(const QDateTime &wall);
     void setTimeZone(const QTimeZone &zone) { m_zone = zone; }

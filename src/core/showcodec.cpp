@@ -106,9 +106,16 @@ public:
     // Absent when the key is missing or null; a failure when the value has another type.
     std::optional<QString> text(QLatin1StringView key) const
     {
-        return read(key, QStringLiteral("un texte"), [](const QJsonValue &v) {
+        std::optional<QString> value = read(key, QStringLiteral("un texte"), [](const QJsonValue &v) {
             return v.isString() ? std::optional(v.toString()) : std::nullopt;
         });
+        // JSON can spell half of a UTF-16 pair alone ("\ud800"), which no UTF-8 file can hold:
+        // read, it could only be saved altered.
+        if (value && !value->isValidUtf16())
+            throw DecodeFailure{QStringLiteral("la valeur « %1 »%2 contient un caractère "
+                                               "Unicode invalide")
+                                    .arg(QString(key), m_where)};
+        return value;
     }
     std::optional<double> number(QLatin1StringView key) const
     {

@@ -351,7 +351,16 @@ void TimerEngine::armTicker()
         shown = double(*m_doorsTargetMs - wallMs) / 1000.0;
         phased = true;
     }
-    m_ticker->start(phased ? TickPhase::delayUntilNextTickMs(shown) : TickPhase::periodMs);
+    const qint64 delayMs = phased ? TickPhase::delayUntilNextTickMs(shown) : TickPhase::periodMs;
+    const qint64 dueUs = monotonicUs + delayMs * 1000;
+    // An operation re-arming the ticker never pushes back the tick already coming, nor drops
+    // one already due but not yet dispatched: a stream of commands (adjustments from a control
+    // surface) would otherwise starve the displays of ticks. That tick lands off the new
+    // phase, and the tick after it is back on it.
+    if (m_ticker->isActive() && m_tickDueUs <= dueUs)
+        return;
+    m_tickDueUs = dueUs;
+    m_ticker->start(delayMs);
 }
 
 void TimerEngine::tick()

@@ -240,6 +240,7 @@ private:
     std::unique_ptr<ClockTimer> m_ticker;
     std::unique_ptr<ClockTimer> m_blinkTimer;
     bool m_tickerOn = false;
+    qint64 m_tickDueUs = 0; // monotonic deadline of the armed tick
     StateHook m_onStateChange;
 
     TimerSession m_session;

@@ -10,10 +10,14 @@
 namespace OSCCodec {
 namespace {
 
-// Strict UTF-8: an invalid sequence makes the whole text unreadable.
+// Strict UTF-8: an invalid sequence makes the whole text unreadable. A leading byte-order mark
+// is a character of the text like any other (Qt would drop it), so "\uFEFF/kairon/play" is not
+// an address.
 std::optional<QString> utf8(QByteArrayView bytes)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless
+                               | QStringDecoder::Flag::ConvertInitialBom);
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
         return std::nullopt;
@@ -35,7 +39,8 @@ void appendBigEndian(QByteArray &out, quint32 value)
 
 QByteArray padded(const QString &text)
 {
-    QByteArray bytes = text.toUtf8();
+    // Half of a UTF-16 pair alone has no UTF-8 form (Qt would write "?").
+    QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : QByteArray();
     bytes.append('\0');
     while (bytes.size() % 4 != 0)
         bytes.append('\0');

@@ -62,6 +62,14 @@ private slots:
         QTest::newRow("hour 24") << "2026-11-15T24:00:00Z";
         QTest::newRow("second 60") << "2026-11-15T18:20:60Z";
         QTest::newRow("signs in digits") << "2026-+1-15T18:20:00Z";
+        QTest::newRow("letters for the year") << "abcd-11-15T18:20:00Z";
+        QTest::newRow("signs for the year") << "+-+--12-31T21:00:00+01:00";
+        QTest::newRow("sign before a three-digit year") << "-999-11-15T18:20:00Z";
+        QTest::newRow("letters for the day") << "2026-11-1xT18:20:00Z";
+        QTest::newRow("year 0000") << "0000-11-15T18:20:00Z";
+        QTest::newRow("year 10000 in UTC") << "9999-12-31T23:59:59-00:01";
+        QTest::newRow("year 0 in UTC") << "0001-01-01T00:30:00+01:00";
+        QTest::newRow("five-digit year") << "10000-01-01T00:00:59Z";
         QTest::newRow("empty") << "";
         QTest::newRow("epoch number") << "1763230800";
     }
@@ -70,6 +78,28 @@ private slots:
     {
         QFETCH(QString, text);
         QVERIFY(!InternetDate::parse(text));
+    }
+
+    void everyDateReadIsWrittenBackInTheSameForm_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("last second of 9999") << "9999-12-31T23:59:59Z" << "9999-12-31T23:59:59Z";
+        QTest::newRow("first second of 0001") << "0001-01-01T00:00:00Z" << "0001-01-01T00:00:00Z";
+        QTest::newRow("offset that stays in 9999") << "9999-12-31T23:59:59+00:01"
+                                                   << "9999-12-31T23:58:59Z";
+        QTest::newRow("offset that stays in 0001") << "0001-01-01T00:30:00-01:00"
+                                                   << "0001-01-01T01:30:00Z";
+    }
+
+    void everyDateReadIsWrittenBackInTheSameForm()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, written);
+        const auto parsed = InternetDate::parse(text);
+        QVERIFY(parsed);
+        QCOMPARE(InternetDate::format(*parsed), written);
+        QCOMPARE(InternetDate::parse(written), parsed);
     }
 
     void roundTripDropsTheSubSecondPart()

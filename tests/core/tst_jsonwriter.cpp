@@ -1,6 +1,7 @@
 #include "jsonwriter.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
 
@@ -61,6 +62,14 @@ private slots:
     {
         const QString text = QStringLiteral("Zoë · «Gala» — ☀ 𝄞");
         QCOMPARE(writeProjectJson(QJsonValue(text)).value(), '"' + text.toUtf8() + '"');
+    }
+
+    void escapesTheByteOrderMarkSoThatItReadsBack()
+    {
+        const QString text = QChar(0xFEFF) + QStringLiteral("Gala") + QChar(0xFEFF);
+        const QByteArray written = writeProjectJson(QJsonObject{{"name", text}}).value();
+        QCOMPARE(written, QByteArray("{\n  \"name\" : \"\\ufeffGala\\ufeff\"\n}"));
+        QCOMPARE(QJsonDocument::fromJson(written).object().value("name").toString(), text);
     }
 
     void writesNumbersInTheirShortestExactForm_data()

@@ -156,6 +156,32 @@ private slots:
         QCOMPARE(back.eventDate, utc(2026, 3, 2, 20, 0, 0));
     }
 
+    void aDocumentThatOpensStillOpensEqualAfterItIsSaved_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::newRow("dates at the edges of the years written")
+            << QByteArray(R"({"eventDate": "9999-12-31T23:59:59Z", "createdAt":
+                "0001-01-01T00:00:00Z", "updatedAt": "9999-12-31T23:59:59+00:01"})");
+        QTest::newRow("a pair of UTF-16 halves and a byte-order mark")
+            << QByteArray(R"({"name": "Micro \ud83c\udfa4", "notes": "\ufeffA"})");
+        QTest::newRow("hard-out cue at the edge of the years")
+            << QByteArray(R"({"cues": [{"id": "6F0E3C2A-9A55-4E1B-8C1D-2B7A4F1E9D01",
+                "mode": "hardOut", "hardOutTime": "0001-01-01T00:30:00-01:00"}]})");
+    }
+
+    void aDocumentThatOpensStillOpensEqualAfterItIsSaved()
+    {
+        QFETCH(QByteArray, json);
+        const auto opened = ProjectDocument::decode(json, readingTime);
+        QVERIFY(opened);
+        const QByteArray saved = ProjectDocument::encode(*opened).value();
+        QString error;
+        const auto reopened = ProjectDocument::decode(saved, readingTime, &error);
+        QVERIFY2(reopened, qPrintable(error));
+        QCOMPARE(*reopened, *opened);
+        QCOMPARE(ProjectDocument::encode(*reopened).value(), saved);
+    }
+
     void datesInAnotherZoneAreWrittenInUtc()
     {
         TimerSession s = showWithNoOptionalField();
@@ -276,6 +302,18 @@ private slots:
             << "la valeur « id » du cue 1 devrait être un identifiant UUID";
         QTest::newRow("eventDate as number")
             << QByteArray(R"({"eventDate": 1763230800})")
+            << "la valeur « eventDate » devrait être une date de la forme 2026-11-15T18:20:00Z";
+        QTest::newRow("name with half a UTF-16 pair")
+            << QByteArray(R"({"name": "A\ud800B"})")
+            << "la valeur « name » contient un caractère Unicode invalide";
+        QTest::newRow("notes ending with half a UTF-16 pair")
+            << QByteArray(R"({"cues": [{"notes": "fin\udfff"}]})")
+            << "la valeur « notes » du cue 1 contient un caractère Unicode invalide";
+        QTest::newRow("eventDate past 9999 in UTC")
+            << QByteArray(R"({"eventDate": "9999-12-31T23:59:59-00:01"})")
+            << "la valeur « eventDate » devrait être une date de la forme 2026-11-15T18:20:00Z";
+        QTest::newRow("eventDate with letters for the year")
+            << QByteArray(R"({"eventDate": "abcd-11-15T18:20:00Z"})")
             << "la valeur « eventDate » devrait être une date de la forme 2026-11-15T18:20:00Z";
         QTest::newRow("overtime as bool")
             << QByteArray(R"({"cues": [{"overtime": false}]})")

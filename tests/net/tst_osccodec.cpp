@@ -35,6 +35,11 @@ private slots:
         QTest::newRow("four") << "abcd" << QByteArray("abcd\0\0\0\0", 8);
         QTest::newRow("five") << "abcde" << QByteArray("abcde\0\0\0", 8);
         QTest::newRow("utf-8 of four bytes") << "Zoë" << QByteArray("Zo\xc3\xab\0\0\0\0", 8);
+        QTest::newRow("byte-order mark kept") << QString(QChar(0xFEFF)) << QByteArray("\xef\xbb\xbf\0", 4);
+        QTest::newRow("half a UTF-16 pair: from nothing")
+            << QStringLiteral("A") + QChar(0xD800) + QStringLiteral("B") << QByteArray("\0\0\0\0", 4);
+        QTest::newRow("half a UTF-16 pair at the end: from nothing")
+            << QStringLiteral("Fin") + QChar(0xDC00) << QByteArray("\0\0\0\0", 4);
     }
 
     void paddingEndsWithOneToFourZeroBytes()
@@ -86,6 +91,9 @@ private slots:
             << datagram("string-not-utf8-then-int")
             << message("/kairon/message", std::nullopt, qint32(0xff000000));
         QTest::newRow("capital letter kept") << datagram("capital-play") << message("/kairon/Play");
+        QTest::newRow("string starting with a byte-order mark keeps it")
+            << datagram("message-starting-with-byte-order-mark")
+            << message("/kairon/message", QStringLiteral("\uFEFFFin"));
     }
 
     void decodesWhatCommandsCarry()
@@ -107,6 +115,7 @@ private slots:
         QTest::newRow("bundle") << datagram("bundle");
         QTest::newRow("address not utf-8") << datagram("address-not-utf8");
         QTest::newRow("address without slash") << datagram("address-without-slash");
+        QTest::newRow("byte-order mark before the slash") << datagram("play-after-byte-order-mark");
         QTest::newRow("zero byte first") << QByteArray("\0/kairon/play", 13);
     }
 
@@ -186,6 +195,15 @@ private slots:
         const OSCMessage decoded = OSCCodec::decode(bytes).value();
         QCOMPARE(decoded.stringArg, QStringLiteral("Dernière question"));
         QCOMPARE(decoded.intArg, -5);
+    }
+
+    void aByteOrderMarkSurvivesEncodeThenDecode()
+    {
+        const QString text = QStringLiteral("\uFEFFDernière question");
+        const QByteArray bytes = OSCCodec::encode(QStringLiteral("/kairon/message"), {text});
+        QCOMPARE(OSCCodec::decode(bytes).value().stringArg, text);
+        const QByteArray marked = OSCCodec::encode(QStringLiteral("\uFEFF/kairon/play"), {});
+        QVERIFY(!OSCCodec::decode(marked));
     }
 };
 
