@@ -23,6 +23,9 @@ std::optional<QString> pathFor(const QString &fileName, ExportError *error)
             *error = ExportError{QStringLiteral("Kairon"), 2, reason};
         return std::nullopt;
     }
+    // The reports folder is never listed: its leftovers go when the next export is written.
+    UserFolders::removeWriteLeftovers(folder, {QStringLiteral("csv"), QStringLiteral("pdf")},
+                                      QDateTime::currentDateTimeUtc());
     return QDir(folder).filePath(fileName);
 }
 

@@ -59,6 +59,7 @@ QStringList SessionStore::listProjects() const
         QString path;
         std::optional<QDateTime> date;
     };
+    UserFolders::removeWriteLeftovers(dir.path(), {extension}, m_clock.now());
     std::vector<Entry> entries;
     const QFileInfoList infos =
         dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System, QDir::Unsorted);

@@ -1,7 +1,9 @@
 #include "userfolders.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -52,6 +54,23 @@ bool writeAtomically(const QString &path, const QByteArray &bytes, QString *erro
                      .arg(QDir::toNativeSeparators(path), file.errorString());
     file.cancelWriting();
     return false;
+}
+
+void removeWriteLeftovers(const QString &folder, const QStringList &extensions, const QDateTime &now)
+{
+    if (folder.isEmpty() || extensions.isEmpty())
+        return;
+    static const QRegularExpression temporaryName(QStringLiteral("^.+\\.([^.]+)\\.[A-Za-z0-9]{6}$"));
+    const QFileInfoList files =
+        QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::System, QDir::Unsorted);
+    for (const QFileInfo &info : files) {
+        const QRegularExpressionMatch match = temporaryName.match(info.fileName());
+        if (!match.hasMatch() || !extensions.contains(match.captured(1)))
+            continue;
+        const QDateTime modified = info.lastModified();
+        if (modified.isValid() && modified.secsTo(now) > 60)
+            QFile::remove(info.filePath());
+    }
 }
 
 QString fileNameSafe(QString text, bool replaceColons)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -20,6 +22,12 @@ bool ensure(const QString &path, QString *error = nullptr);
 // complete, so that the previous file survives any failure. False, with a French reason in
 // `error`, when it cannot be done.
 bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error = nullptr);
+
+// Removes from `folder` what interrupted atomic writes left behind: files named like a temporary
+// copy of one of ours ("<name>.<extension>.XXXXXX", six letters or digits) for each of
+// `extensions`, last modified more than a minute before `now`, so that a save still under way
+// in another process is never touched.
+void removeWriteLeftovers(const QString &folder, const QStringList &extensions, const QDateTime &now);
 
 // A file name made of free text: every "/" becomes "-" (and every ":" too when asked), so that
 // the text names one file in one folder.

@@ -136,6 +136,31 @@ private slots:
         QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 1); // nothing left beside it
     }
 
+    void anExportRemovesWhatInterruptedExportsLeftBehind()
+    {
+        TempHome home;
+        const QString folder = home.file(QStringLiteral("Documents/Kairon/Reports"));
+        QVERIFY(QDir().mkpath(folder));
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const QStringList old{QStringLiteral("Rapport_Gala_2026-11-21_23-15.csv.aB3xYz"),
+                              QStringLiteral("Rundown_Gala_2026-11-21_23-15.pdf.Q9w8E7")};
+        const QStringList kept{QStringLiteral("Rapport_Gala_2026-11-21_23-16.csv.Zz1Yy2"),
+                               QStringLiteral("Rapport_Gala.csv.abcdefg"),
+                               QStringLiteral("photo.jpg.aB3xYz")};
+        for (const QString &name : old + kept) {
+            QFile f(QDir(folder).filePath(name));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            const bool young = name == kept.first(); // an export under way elsewhere
+            QVERIFY(f.setFileTime(now.addSecs(young ? -30 : -120), QFileDevice::FileModificationTime));
+        }
+        const auto path = ReportExporter::exportCSV(fullShow(), fullLog, 12.9);
+        QVERIFY(path);
+        QStringList expected = kept;
+        expected << QFileInfo(*path).fileName();
+        expected.sort();
+        QCOMPARE(QDir(folder).entryList(QDir::Files, QDir::Name), expected);
+    }
+
     void aReportsFolderThatCannotBeMadeIsAnError()
     {
         TempHome home;

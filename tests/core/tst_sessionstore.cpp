@@ -220,6 +220,29 @@ private slots:
                                       projects() + QStringLiteral("/ghost.orvprjct")}));
     }
 
+    void listingRemovesWhatInterruptedSavesLeftBehind()
+    {
+        const QString a = *m_store->save(show(QStringLiteral("A")));
+        const QString interrupted = a + QStringLiteral(".aB3xYz");
+        const QString underWay = a + QStringLiteral(".Q1w2E3");
+        const QStringList unrelated{projects() + QStringLiteral("/notes.orvprjct.abcdefg"),
+                                    projects() + QStringLiteral("/show.orvprjct.bak"),
+                                    projects() + QStringLiteral("/photo.jpg.aB3xYz")};
+        for (const QString &path : QStringList{interrupted, underWay} + unrelated) {
+            writeFile(path, "{}");
+            touch(path, m_clock->now().addSecs(path == underWay ? -59 : -61));
+        }
+
+        QCOMPARE(m_store->listProjects(), QStringList{a});
+        QVERIFY(!QFile::exists(interrupted));
+        QVERIFY(QFile::exists(underWay)); // maybe a save still under way in another process
+        for (const QString &path : unrelated)
+            QVERIFY2(QFile::exists(path), qPrintable(path));
+        m_clock->advance(std::chrono::seconds(2));
+        m_store->listProjects();
+        QVERIFY(!QFile::exists(underWay));
+    }
+
     void equalDatesKeepTheDirectoryOrder()
     {
         QStringList saved;
