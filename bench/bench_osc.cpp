@@ -4,7 +4,9 @@
 //  2. a flood of 100,000 datagrams at full speed: how many were handled, and how late the main
 //     loop's 0.1 s ticks ran meanwhile;
 //  3. from a /kairon/play datagram to the /kairon/running 1 datagram reaching the peer;
-//  4. 5,000 commands a second for 10 s: how many were lost.
+//  4. 5,000 commands a second for 10 s: how many were lost;
+//  5. floods of malformed datagrams holding one valid /kairon/adjust in twenty, with a cue
+//     running: the longest gap between the engine's own ticks (goal: none above 105 ms).
 // Run: build/bench/bench_osc
 #include "benchsupport.h"
 #include "networkcoordinator.h"
@@ -68,10 +70,22 @@ int main(int argc, char **argv)
     std::atomic<qint64> operationAt{0};
     std::atomic<long> adjustments{0};
     bool lastPaused = false;
+    // /kairon/adjust i 0 leaves the remaining time as it is: a new value is a tick's.
+    double lastRemaining = 0;
+    qint64 lastEngineTick = 0;
+    std::atomic<bool> watchEngineTicks{false};
+    std::atomic<qint64> longestTickGapNs{0};
     engine.setOnStateChange([&](const TimerStateSnapshot &s) {
         if (s.paused != lastPaused) {
             lastPaused = s.paused;
             operationAt = steadyNs();
+        }
+        if (s.remaining != lastRemaining) {
+            lastRemaining = s.remaining;
+            const qint64 t = steadyNs();
+            if (watchEngineTicks && lastEngineTick)
+                longestTickGapNs = std::max<qint64>(longestTickGapNs, t - lastEngineTick);
+            lastEngineTick = t;
         }
         coordinator.emitState(s);
     });
@@ -169,6 +183,24 @@ int main(int argc, char **argv)
         std::this_thread::sleep_for(std::chrono::seconds(1));
         std::printf("5000/s for 10 s: 50000 sent, %ld handled, %ld lost\n", adjustments.load(),
                     50000 - adjustments.load());
+
+        // 5. malformed floods with valid adjustments among them, the cue running.
+        const QByteArray garbage("\x01garbage without any zero byte");
+        for (const int total : {100000, 1100000}) {
+            adjustments = 0;
+            longestTickGapNs = 0;
+            lastEngineTick = 0;
+            watchEngineTicks = true;
+            const qint64 start = steadyNs();
+            for (int i = 0; i < total; ++i)
+                out.writeDatagram(i % 20 == 0 ? adjust : garbage, to, listenPort);
+            const double sendMs = (steadyNs() - start) / 1e6;
+            std::this_thread::sleep_for(std::chrono::seconds(2));
+            watchEngineTicks = false;
+            std::printf("flood of %d datagrams (%d adjustments) sent in %.0f ms: %ld adjustments "
+                        "handled, longest gap between ticks %.1f ms\n",
+                        total, total / 20, sendMs, adjustments.load(), longestTickGapNs / 1e6);
+        }
         QMetaObject::invokeMethod(&app, &QCoreApplication::quit);
     });
 
