@@ -68,4 +68,9 @@ QString mediumDate(const QDateTime &instant, const QLocale &locale, const QTimeZ
     return locale.toString(instant.toTimeZone(zone).date(), mediumDatePattern(locale));
 }
 
+QString fullDate(const QDateTime &instant, const QLocale &locale, const QTimeZone &zone)
+{
+    return locale.toString(instant.toTimeZone(zone).date(), QLocale::LongFormat);
+}
+
 } // namespace Fmt

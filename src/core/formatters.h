@@ -38,6 +38,9 @@ void setTimeZone(const QTimeZone &zone);
 
 // The calendar date in the locale's medium style ("15 nov. 2026" in French).
 QString mediumDate(const QDateTime &instant, const QLocale &locale, const QTimeZone &zone);
+// The calendar date in the locale's complete style, weekday included ("dimanche 22 novembre
+// 2026" in French).
+QString fullDate(const QDateTime &instant, const QLocale &locale, const QTimeZone &zone);
 // Qt has short and long date formats only; the medium one is the long one without the
 // weekday and with abbreviated month names.
 QString mediumDatePattern(const QLocale &locale);

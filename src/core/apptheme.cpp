@@ -1,0 +1,28 @@
+#include "apptheme.h"
+
+#include "colorhex.h"
+
+#include <cmath>
+
+namespace AppTheme {
+
+ThemeColor stateColor(const std::optional<Cue> &activeCue, double shown)
+{
+    if (!activeCue)
+        return textMuted;
+    if (shown < 0)
+        return stateOvertime;
+    if (shown <= activeCue->dangerThreshold)
+        return stateDanger;
+    if (shown <= activeCue->warningThreshold)
+        return stateWarning;
+    if (activeCue->colorHex) {
+        if (const std::optional<SrgbColor> own = colorFromHex(*activeCue->colorHex)) {
+            const auto channel = [](double c) { return int(std::lround(c * 255)); };
+            return ThemeColor{channel(own->red), channel(own->green), channel(own->blue)};
+        }
+    }
+    return stateNormal;
+}
+
+} // namespace AppTheme

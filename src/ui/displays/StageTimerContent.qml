@@ -1,0 +1,78 @@
+import QtQuick
+import Kairon
+
+// The countdown: the cue's name, the signed time in the state colour, the progress bar and the
+// freeze badge.
+Item {
+    id: root
+
+    required property StagePresenter stage
+
+    Column {
+        anchors.centerIn: parent
+        width: parent.width
+        spacing: Math.round(root.height * 0.02)
+
+        Text {
+            objectName: "cueName"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(implicitWidth, parent.width * 0.94)
+            visible: root.stage.hasCue
+            text: root.stage.cueName
+            color: AppTheme.textSecondary
+            elide: Text.ElideRight
+            horizontalAlignment: Text.AlignHCenter
+            font.family: AppTheme.textFont
+            font.weight: Font.DemiBold
+            font.pixelSize: Math.round(Math.min(root.width * 0.035, 44))
+        }
+
+        FitText {
+            objectName: "stageTime"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.round(parent.width * 0.96)
+            text: root.stage.timeText
+            color: root.stage.stateColor
+            opacity: root.stage.timeOpacity
+            font.family: AppTheme.digitsFont
+            font.weight: Font.Bold
+            size: root.width * 0.22
+        }
+
+        Item {
+            objectName: "progressBar"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.round(root.width * 0.6)
+            height: 10
+
+            Rectangle {
+                anchors.fill: parent
+                radius: height / 2
+                color: "white"
+                opacity: 0.1
+            }
+
+            Rectangle {
+                objectName: "progressFill"
+                // Whole pixels: the bar redraws only when it grows by one.
+                width: Math.round(parent.width * root.stage.progress)
+                height: parent.height
+                radius: height / 2
+                color: root.stage.stateColor
+                visible: width > 0
+            }
+        }
+
+        Text {
+            objectName: "freezeBadge"
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: root.stage.frozen
+            text: "FREEZE"
+            color: AppTheme.stateWarning
+            font.family: AppTheme.textFont
+            font.weight: Font.Black
+            font.pixelSize: 18
+            font.letterSpacing: 4
+        }
+    }
+}
