@@ -97,11 +97,11 @@ Item {
                 objectName: "next"
                 anchors.left: parent.left
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, parent.width * 0.5)
                 spacing: Math.round(nextText.font.pixelSize * 0.35)
                 visible: confidence.hasNext
 
                 ArrowCircleIcon {
+                    id: arrow
                     anchors.verticalCenter: parent.verticalCenter
                     width: Math.round(nextText.font.pixelSize * 0.95)
                     color: AppTheme.textMuted
@@ -110,7 +110,7 @@ Item {
                 Text {
                     id: nextText
                     objectName: "nextText"
-                    width: Math.min(implicitWidth, next.width - x)
+                    width: Math.min(implicitWidth, bottomRow.width * 0.5 - arrow.width - next.spacing)
                     text: confidence.nextText
                     color: AppTheme.textMuted
                     elide: Text.ElideRight
