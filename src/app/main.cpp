@@ -1,31 +1,44 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
+#include "displayclock.h"
 #include "formatters.h"
 #include "networkcoordinator.h"
 #include "qttranslations.h"
+#include "renderingbackend.h"
 #include "soundmanager.h"
 #include "systemclock.h"
 #include "timerengine.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlEngineExtensionPlugin>
 #include <QUrl>
+
+Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
 int main(int argc, char *argv[])
 {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
     QGuiApplication::setOrganizationName(QStringLiteral("Kairon"));
+    RenderingBackend::chooseForThisMachine();
 
     SystemClock clock;
     Fmt::setTimeZone(clock.timeZone());
+    // Every text is French; a French-speaking user keeps the conventions of their own country.
+    if (QLocale::system().language() != QLocale::French)
+        Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
     installQtTranslations(app);
     SoundManager sounds;
     TimerEngine engine(clock, sounds);
     // Remote control is live before any window shows.
     NetworkCoordinator network;
     network.attach(&engine);
+    DisplayClock displayClock(clock);
 
     QQmlApplicationEngine qml;
+    qml.addImportPath(QStringLiteral("qrc:/"));
+    qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
+                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

@@ -1,30 +1,57 @@
 import QtQuick
 import QtQuick.Window
+import Kairon
 
-Window {
-    id: root
-    width: 960
-    height: 540
-    visible: true
-    color: "#0A0A0C"
-    title: "Kairon"
+// The application's windows, side by side: the operator's, and the two outputs that observe the
+// same engine, declared once and shown on demand.
+QtObject {
+    id: app
 
-    Column {
-        anchors.centerIn: parent
-        spacing: 12
+    required property TimerEngine engine
+    required property DisplayClock displayClock
 
-        Text {
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "KAIRON"
-            color: "#FF6B00"
-            font.pixelSize: 64
-            font.weight: Font.Black
+    property Window operatorWindow: Window {
+        width: 1150
+        height: 750
+        visible: true
+        color: AppTheme.bgDeep
+        title: "Kairon"
+
+        Column {
+            anchors.centerIn: parent
+            spacing: 12
+
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: "KAIRON"
+                color: AppTheme.accent
+                font.family: AppTheme.textFont
+                font.pixelSize: 64
+                font.weight: Font.Black
+            }
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: "Timer de conférence professionnel"
+                color: AppTheme.textSecondary
+                font.family: AppTheme.textFont
+                font.pixelSize: 22
+            }
+            Row {
+                anchors.horizontalCenter: parent.horizontalCenter
+                spacing: 12
+                OutputButton { label: "Stage"; onClicked: app.stageWindow.show() }
+                OutputButton { label: "Confidence"; onClicked: app.confidenceWindow.show() }
+            }
         }
-        Text {
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "Timer de conférence professionnel"
-            color: "#B8B8C0"
-            font.pixelSize: 22
-        }
+    }
+
+    property StageWindow stageWindow: StageWindow {
+        engine: app.engine
+        clock: app.displayClock
+    }
+
+    property ConfidenceWindow confidenceWindow: ConfidenceWindow {
+        engine: app.engine
+        clock: app.displayClock
     }
 }
