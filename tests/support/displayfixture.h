@@ -58,6 +58,11 @@ struct DisplayFixture : EngineFixture {
         return found;
     }
 
+    bool hasItem(const char *name) const
+    {
+        return findItem(window->contentItem(), QString::fromLatin1(name)) != nullptr;
+    }
+
     // Depth first through the visual tree, where the items of every component are.
     static QQuickItem *findItem(QQuickItem *from, const QString &name)
     {

@@ -10,7 +10,7 @@ Item {
     required property DisplayClock clock
 
     StagePresenter {
-        id: stage
+        id: presenter
         objectName: "stagePresenter"
         engine: root.engine
         clock: root.clock
@@ -25,38 +25,46 @@ Item {
         objectName: "blackout"
         anchors.fill: parent
         color: "black"
-        visible: stage.mode === StagePresenter.Blackout
+        visible: presenter.mode === StagePresenter.Blackout
     }
 
-    StageDoorsContent {
+    // Only the content of the current mode exists: hidden content would still redraw the
+    // window when its texts change.
+    Loader {
         anchors.fill: parent
-        visible: stage.mode === StagePresenter.Doors
-        stage: stage
+        active: presenter.mode === StagePresenter.Doors
+        sourceComponent: StageDoorsContent {
+            stage: presenter
+        }
     }
 
-    StageClockContent {
+    Loader {
         anchors.fill: parent
-        visible: stage.mode === StagePresenter.Clock
-        clock: root.clock
+        active: presenter.mode === StagePresenter.Clock
+        sourceComponent: StageClockContent {
+            clock: root.clock
+        }
     }
 
-    StageTimerContent {
+    Loader {
         anchors.fill: parent
-        visible: stage.mode === StagePresenter.Timer
-        stage: stage
+        active: presenter.mode === StagePresenter.Timer
+        sourceComponent: StageTimerContent {
+            stage: presenter
+        }
     }
 
     Rectangle {
         objectName: "blinkOverlay"
         anchors.fill: parent
-        visible: stage.blinkVisible
-        color: stage.blinkColor
+        visible: presenter.blinkVisible
+        color: presenter.blinkColor
         opacity: 0.85
     }
 
     StageMessageBanner {
         anchors.fill: parent
-        visible: stage.bannerVisible
-        stage: stage
+        visible: presenter.bannerVisible
+        stage: presenter
     }
 }
