@@ -49,6 +49,9 @@ long residentKiB()
 
 int main(int argc, char **argv)
 {
+    if (const std::optional<int> probed = RenderingBackend::runProbeIfAsked(argc, argv))
+        return *probed;
+    RenderingBackend::prepareEnvironment();
     QGuiApplication app(argc, argv);
     const QStringList args = app.arguments();
     const bool opengl = args.contains(QStringLiteral("--opengl"));

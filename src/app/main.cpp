@@ -17,6 +17,9 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
 int main(int argc, char *argv[])
 {
+    if (const std::optional<int> probed = RenderingBackend::runProbeIfAsked(argc, argv))
+        return *probed;
+    RenderingBackend::prepareEnvironment();
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
     QGuiApplication::setOrganizationName(QStringLiteral("Kairon"));

@@ -19,4 +19,11 @@ qint64 delayUntilNextTickMs(double remaining)
     return delay == 0 ? periodMs : delay;
 }
 
+qint64 displayedSecond(double remaining)
+{
+    if (!std::isfinite(remaining) || std::fabs(remaining) > 1e12)
+        return 0;
+    return remaining >= 0 ? qint64(std::floor(remaining)) : -1 - qint64(std::floor(-remaining));
+}
+
 } // namespace TickPhase

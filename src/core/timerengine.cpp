@@ -342,16 +342,24 @@ void TimerEngine::armTicker()
     const qint64 monotonicUs = m_clock.monotonicUs();
     const qint64 wallMs = m_clock.now().toMSecsSinceEpoch();
     double shown = 0;
+    double published = 0;
     bool phased = false;
     if (m_isRunning && !m_isPaused && m_cueStartUs && m_activeCueIndex) {
         double elapsed = 0;
         liveClock(monotonicUs, wallMs, elapsed, shown);
+        published = m_remaining;
         phased = true;
     } else if (m_doorsTargetMs) {
         shown = double(*m_doorsTargetMs - wallMs) / 1000.0;
+        published = m_doorsRemaining;
         phased = true;
     }
-    const qint64 delayMs = phased ? TickPhase::delayUntilNextTickMs(shown) : TickPhase::periodMs;
+    // A second that changed since the value was published (time spent by the views while an
+    // operation ran, say) is shown by a tick at once rather than at the next phase point.
+    const qint64 delayMs = !phased ? TickPhase::periodMs
+                           : TickPhase::displayedSecond(published) != TickPhase::displayedSecond(shown)
+                               ? 0
+                               : TickPhase::delayUntilNextTickMs(shown);
     const qint64 dueUs = monotonicUs + delayMs * 1000;
     // An operation re-arming the ticker never pushes back the tick already coming, nor drops
     // one already due but not yet dispatched: a stream of commands (adjustments from a control

@@ -1,4 +1,5 @@
 #include "enginefixture.h"
+#include "tickphase.h"
 
 #include <QTest>
 
@@ -45,6 +46,40 @@ private slots:
         QCOMPARE(f.engine.remaining(), 600.52 - 0.201);
         // Then the ticks follow the new phase.
         QCOMPARE(f.clock.nextDeadline(), std::optional<qint64>(due + 20));
+    }
+
+    void aSecondThatChangedWhileTheViewsUpdatedIsShownAtOnce()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Keynote", 600)}));
+        // The views take 2 ms to follow the start: by the time the ticker is armed, the
+        // countdown is past 599 while "10:00" is published.
+        QObject::connect(&f.engine, &TimerEngine::activeCueChanged, [&] { f.clock.stall(2ms); });
+        f.engine.start();
+        QCOMPARE(f.engine.remaining(), 600.0);
+        QCOMPARE(f.clock.nextDeadline(), std::optional<qint64>(f.clock.monotonicMs()));
+        f.clock.jump(0ms);
+        QCOMPARE(TimerEngine::format(f.engine.remaining(), true), QStringLiteral("09:59"));
+    }
+
+    void theDisplayedSecondFollowsTheFormatter_data()
+    {
+        QTest::addColumn<double>("remaining");
+        QTest::addColumn<qint64>("second");
+        QTest::newRow("600") << 600.0 << qint64(600);
+        QTest::newRow("599.999") << 599.999 << qint64(599);
+        QTest::newRow("0.4") << 0.4 << qint64(0);
+        QTest::newRow("0") << 0.0 << qint64(0);
+        QTest::newRow("-0.4") << -0.4 << qint64(-1);
+        QTest::newRow("-1") << -1.0 << qint64(-2);
+        QTest::newRow("-1.5") << -1.5 << qint64(-2);
+    }
+
+    void theDisplayedSecondFollowsTheFormatter()
+    {
+        QFETCH(double, remaining);
+        QFETCH(qint64, second);
+        QCOMPARE(TickPhase::displayedSecond(remaining), second);
     }
 
     // A control surface sending adjustments without pause: every turn of the event loop
