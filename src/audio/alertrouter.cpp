@@ -38,7 +38,7 @@ void AlertRouter::play(const QString &name, const QString &outputUID)
         return;
     }
     if (!m_routed || m_routedUID != outputUID) {
-        m_routed.reset(); // stops the output of the previous choice
+        retire(m_routed); // the output of the previous choice
         m_routed = std::make_unique<AlertOutput>(device);
         m_routedUID = outputUID;
     }
@@ -56,7 +56,19 @@ void AlertRouter::playOnSystemOutput(const QByteArray &pcm)
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull())
         return;
-    if (!m_system || m_system->deviceId() != device.id())
+    if (!m_system || m_system->deviceId() != device.id()) {
+        retire(m_system);
         m_system = std::make_unique<AlertOutput>(device);
+    }
     m_system->play(pcm);
+}
+
+void AlertRouter::retire(std::unique_ptr<AlertOutput> &output)
+{
+    if (!output)
+        return;
+    output->stop();
+    // Its sinks are deleted with it, which runs this thread's pending events (see AlertOutput):
+    // from the event loop, not from inside play().
+    output.release()->deleteLater();
 }

@@ -27,6 +27,8 @@ public:
 private:
     QByteArray sound(const QString &name);
     void playOnSystemOutput(const QByteArray &pcm);
+    // Stops an output no longer used, at once, and lets it go.
+    static void retire(std::unique_ptr<AlertOutput> &output);
 
     QHash<QString, QByteArray> m_sounds; // decoded from the resources on first use
     std::unique_ptr<AlertOutput> m_routed;
