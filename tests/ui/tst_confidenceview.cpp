@@ -31,11 +31,15 @@ class TestConfidenceView : public QObject
     static void sizes()
     {
         QTest::addColumn<QSize>("size");
+        QTest::newRow("preview") << QSize(1150, 750);
         QTest::newRow("1080p") << QSize(1920, 1080);
         QTest::newRow("4K") << QSize(3840, 2160);
     }
 
-    static QString tag(const QSize &size) { return size.width() == 1920 ? "1080p" : "4k"; }
+    static QString tag(const QSize &size)
+    {
+        return size.width() == 1150 ? "preview" : size.width() == 1920 ? "1080p" : "4k";
+    }
 
     static void runShow(DisplayFixture &f, std::chrono::microseconds into)
     {

@@ -32,11 +32,15 @@ class TestStageView : public QObject
     static void sizes()
     {
         QTest::addColumn<QSize>("size");
+        QTest::newRow("preview") << QSize(1150, 750);
         QTest::newRow("1080p") << QSize(1920, 1080);
         QTest::newRow("4K") << QSize(3840, 2160);
     }
 
-    static QString tag(const QSize &size) { return size.width() == 1920 ? "1080p" : "4k"; }
+    static QString tag(const QSize &size)
+    {
+        return size.width() == 1150 ? "preview" : size.width() == 1920 ? "1080p" : "4k";
+    }
 
     // The colour of the big digits, and that their text is `text`.
     static QColor timeColour(DisplayFixture &f, const QImage &shot, const QString &text)
@@ -94,7 +98,7 @@ private slots:
         QQuickItem *title = f.item("doorsTitle");
         QVERIFY(title->isVisible());
         QCOMPARE(title->property("text").toString(), QStringLiteral("LE SHOW COMMENCE DANS"));
-        QCOMPARE(pixelSize(title), 36);
+        QCOMPARE(pixelSize(title), qRound(std::min(size.width() * 0.03, 36.0)));
         QCOMPARE(title->property("font").value<QFont>().letterSpacing(), 6.0);
         QQuickItem *time = f.item("doorsTime");
         QCOMPARE(time->property("text").toString(), QStringLiteral("14:44"));
@@ -158,7 +162,7 @@ private slots:
         DisplayFixture::keep(shot, "stage-calm-" + tag(size));
         QQuickItem *name = f.item("cueName");
         QCOMPARE(name->property("text").toString(), QStringLiteral("Keynote"));
-        QCOMPARE(pixelSize(name), 44);
+        QCOMPARE(pixelSize(name), qRound(std::min(size.width() * 0.035, 44.0)));
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(name), bgDeep), toQColor(AppTheme::textSecondary));
         QQuickItem *time = f.item("stageTime");
         QCOMPARE(time->property("text").toString(), QStringLiteral("07:30"));
@@ -305,7 +309,7 @@ private slots:
         QQuickItem *banner = f.item("banner");
         QQuickItem *text = f.item("bannerText");
         QCOMPARE(text->property("text").toString(), QStringLiteral("Il reste 5 minutes"));
-        QCOMPARE(pixelSize(text), 64);
+        QCOMPARE(pixelSize(text), qRound(std::min(size.width() * 0.05, 64.0)));
         QCOMPARE(banner->property("radius").toDouble(), 16.0);
         const QRect area = f.sceneRect(banner);
         QCOMPARE(area.bottom() + 1, size.height() - 60);
