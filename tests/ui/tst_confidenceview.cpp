@@ -90,6 +90,9 @@ private slots:
         QCOMPARE(qRound(f.item("next")->mapToScene(QPointF(0, f.item("next")->height())).y()),
                  size.height() - 24);
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(next), bgDeep), toQColor(AppTheme::textMuted));
+        QQuickItem *icon = f.item("nextIcon");
+        QCOMPARE(icon->property("text").toString(), QString(QChar(0xEAAA)));
+        KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(icon), bgDeep), toQColor(AppTheme::textMuted));
 
         QQuickItem *message = f.item("message");
         QCOMPARE(message->property("text").toString(), QStringLiteral("Questions du public"));

@@ -1,7 +1,13 @@
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
+#include "iconset.h"
 #include "stagepresenter.h"
+#include "theme.h"
+
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QFontMetrics>
 
 #include <QSignalSpy>
 #include <QTest>
@@ -23,6 +29,31 @@ private slots:
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
+    }
+
+    void theTypefacesAndTheIconFontAreInstalled()
+    {
+        ThemeSingleton theme;
+        IconSet icons;
+        for (const QString &family : {theme.textFont(), theme.digitsFont(), icons.fontFamily()})
+            QCOMPARE(QFontInfo(QFont(family)).family(), family);
+        const QFontMetrics iconMetrics{QFont(icons.fontFamily())};
+        QVERIFY(!IconSet::symbols().isEmpty());
+        for (const QString &symbol : IconSet::symbols()) {
+            const QString glyph = IconSet::glyph(symbol);
+            QVERIFY2(!glyph.isEmpty() && iconMetrics.inFontUcs4(glyph.toUcs4().first()), qPrintable(symbol));
+        }
+        QVERIFY(IconSet::glyph(QStringLiteral("no.such.symbol")).isEmpty());
+    }
+
+    void theDigitsAllHaveTheSameWidth()
+    {
+        QFont digits(ThemeSingleton().digitsFont());
+        digits.setBold(true);
+        digits.setPixelSize(400);
+        const QFontMetricsF metrics(digits);
+        for (char c = '1'; c <= '9'; ++c)
+            QCOMPARE(metrics.horizontalAdvance(QLatin1Char(c)), metrics.horizontalAdvance(QLatin1Char('0')));
     }
 
     void theWallClockMovesOnTheTrueSecond()

@@ -100,10 +100,12 @@ Item {
                 spacing: Math.round(nextText.font.pixelSize * 0.35)
                 visible: confidence.hasNext
 
-                ArrowCircleIcon {
+                Icon {
                     id: arrow
+                    objectName: "nextIcon"
                     anchors.verticalCenter: parent.verticalCenter
-                    width: Math.round(nextText.font.pixelSize * 0.95)
+                    symbol: "arrow.right.circle.fill"
+                    size: nextText.font.pixelSize * 1.1
                     color: AppTheme.textMuted
                 }
 
