@@ -2,6 +2,7 @@
 #include "formatters.h"
 #include "networkcoordinator.h"
 #include "qttranslations.h"
+#include "screenmanager.h"
 #include "soundmanager.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -24,11 +25,13 @@ int main(int argc, char *argv[])
     // Remote control is live before any window shows.
     NetworkCoordinator network;
     network.attach(&engine);
+    ScreenManager screens(clock);
 
     QQmlApplicationEngine qml;
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
+    qml.setInitialProperties({{QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     return app.exec();
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Kairon
 
 Window {
     id: root
@@ -8,6 +9,9 @@ Window {
     visible: true
     color: "#0A0A0C"
     title: "Kairon"
+
+    // The displays, and the verb that puts an output window on one of them.
+    property ScreenManager screens
 
     Column {
         anchors.centerIn: parent
