@@ -2,6 +2,12 @@
 // with-xvfb.sh: VIRTUAL-1 (1920x1080 at 0,0) and VIRTUAL-2 (1280x720 at 1920,0). What the
 // windows do is observed from outside, as the window system shows it: xwininfo, xprop, xdotool,
 // and screenshots of the root window taken with ImageMagick's import.
+//
+// Monitors come and go with `xrandr --setmonitor` / `--delmonitor`. Qt's xcb platform follows
+// them by itself: the server announces each change with a RandR screen-change notification,
+// Qt reads the monitor list again and emits screenRemoved / screenAdded, within a few
+// milliseconds. openbox alone refits a full-screen window whose monitor went away, but leaves it
+// under the operator's window: only the manager's hand-off brings the stage to the front there.
 #include "screenmanager.h"
 #include "systemclock.h"
 

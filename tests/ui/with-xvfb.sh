@@ -9,12 +9,22 @@ set -euo pipefail
 dir=$(mktemp -d)
 xvfb_pid=
 wm_pid=
+command_pid=
 cleanup() {
-    [[ -n "$wm_pid" ]] && kill "$wm_pid" 2>/dev/null && wait "$wm_pid" 2>/dev/null
-    [[ -n "$xvfb_pid" ]] && kill "$xvfb_pid" 2>/dev/null && wait "$xvfb_pid" 2>/dev/null
+    set +e
+    local pid
+    for pid in "$command_pid" "$wm_pid" "$xvfb_pid"; do
+        [[ -n "$pid" ]] || continue
+        kill "$pid" 2>/dev/null
+        wait "$pid" 2>/dev/null
+    done
     rm -rf "$dir"
 }
 trap cleanup EXIT
+# Stopped from outside (a test timeout, Ctrl-C): stop the command and the servers too.
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
 export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
 export XDG_DATA_HOME=$dir/home/.local/share XDG_RUNTIME_DIR=$dir/run
@@ -58,4 +68,10 @@ xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id' \
     || { echo "openbox did not start" >&2; cat "$dir/openbox.log" >&2; exit 1; }
 
 export QT_QPA_PLATFORM=xcb
-"$@"
+# In the background, so that a signal to this script is handled at once rather than after it.
+"$@" &
+command_pid=$!
+status=0
+wait "$command_pid" || status=$?
+command_pid=
+exit "$status"
