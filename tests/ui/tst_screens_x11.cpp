@@ -6,8 +6,9 @@
 // Monitors come and go with `xrandr --setmonitor` / `--delmonitor`. Qt's xcb platform follows
 // them by itself: the server announces each change with a RandR screen-change notification,
 // Qt reads the monitor list again and emits screenRemoved / screenAdded, within a few
-// milliseconds. openbox alone refits a full-screen window whose monitor went away, but leaves it
-// under the operator's window: only the manager's hand-off brings the stage to the front there.
+// milliseconds. openbox alone refits a full-screen window whose monitor went away, but keeps its
+// place in the stacking order, under the operator's window here: the manager's hand-off, which
+// raises it, is what shows the stage on the remaining monitor.
 #include "screenmanager.h"
 #include "systemclock.h"
 

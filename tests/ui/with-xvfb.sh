@@ -59,13 +59,13 @@ xrandr --setmonitor VIRTUAL-2 1280/338x720/190+1920+0 none >/dev/null
 openbox --sm-disable >"$dir/openbox.log" 2>&1 &
 wm_pid=$!
 # The window manager is up once it has announced itself on the root window.
+wm_ready() { [[ $(xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null) == *'window id'* ]]; }
 for _ in $(seq 200); do
-    xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && break
+    wm_ready && break
     kill -0 "$wm_pid" 2>/dev/null || { cat "$dir/openbox.log" >&2; exit 1; }
     sleep 0.05
 done
-xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id' \
-    || { echo "openbox did not start" >&2; cat "$dir/openbox.log" >&2; exit 1; }
+wm_ready || { echo "openbox did not start" >&2; cat "$dir/openbox.log" >&2; exit 1; }
 
 export QT_QPA_PLATFORM=xcb
 # In the background, so that a signal to this script is handled at once rather than after it.
