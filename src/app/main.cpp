@@ -4,6 +4,7 @@
 #include "networkcoordinator.h"
 #include "qttranslations.h"
 #include "renderingbackend.h"
+#include "screenmanager.h"
 #include "soundmanager.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -37,11 +38,13 @@ int main(int argc, char *argv[])
     NetworkCoordinator network;
     network.attach(&engine);
     DisplayClock displayClock(clock);
+    ScreenManager screens(clock);
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
-                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)}});
+                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
+                              {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

@@ -9,6 +9,8 @@ QtObject {
 
     required property TimerEngine engine
     required property DisplayClock displayClock
+    // The displays, and the verb that puts an output window on one of them.
+    required property ScreenManager screens
 
     property Window operatorWindow: Window {
         width: 1150

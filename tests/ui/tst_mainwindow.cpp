@@ -1,5 +1,6 @@
 #include "displayclock.h"
 #include "enginefixture.h"
+#include "screenmanager.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
@@ -42,10 +43,12 @@ private slots:
     {
         EngineFixture f;
         DisplayClock displayClock(f.clock);
+        ScreenManager screens(f.clock);
         QQmlApplicationEngine qml;
         qml.addImportPath(QStringLiteral("qrc:/"));
         qml.setInitialProperties({{"engine", QVariant::fromValue(&f.engine)},
-                                  {"displayClock", QVariant::fromValue(&displayClock)}});
+                                  {"displayClock", QVariant::fromValue(&displayClock)},
+                                  {"screens", QVariant::fromValue(&screens)}});
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         QCOMPARE(qml.rootObjects().size(), 1);
         QObject *app = qml.rootObjects().first();
