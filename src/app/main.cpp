@@ -1,10 +1,13 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
+#include "appflowstate.h"
 #include "displayclock.h"
 #include "formatters.h"
+#include "launchproject.h"
 #include "networkcoordinator.h"
 #include "qttranslations.h"
 #include "renderingbackend.h"
 #include "screenmanager.h"
+#include "sessionstore.h"
 #include "soundmanager.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -39,11 +42,17 @@ int main(int argc, char *argv[])
     network.attach(&engine);
     DisplayClock displayClock(clock);
     ScreenManager screens(clock);
+    AppFlowState flow;
+    SessionStore store(clock);
+    std::optional<QString> launchError;
+    if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
+        launchError = LaunchProject::open(*file, store, engine, flow);
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
                               {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
+                              {QStringLiteral("flow"), QVariant::fromValue(&flow)},
                               {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

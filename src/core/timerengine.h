@@ -37,6 +37,7 @@ class TimerEngine : public QObject
     Q_OBJECT
 
     Q_PROPERTY(TimerSession session READ session NOTIFY sessionChanged FINAL)
+    Q_PROPERTY(QString sessionName READ sessionName NOTIFY sessionChanged FINAL)
     // -1 when nothing is selected
     Q_PROPERTY(int selectedCueIndex READ selectedCueRow WRITE setSelectedCueRow
                    NOTIFY selectedCueIndexChanged FINAL)
@@ -89,6 +90,7 @@ public:
 
     // ---- State ----------------------------------------------------------------------------
     const TimerSession &session() const { return m_session; }
+    QString sessionName() const { return m_session.name; }
     std::optional<int> selectedCueIndex() const { return m_selectedCueIndex; }
     void setSelectedCueIndex(std::optional<int> index);
     std::optional<QUuid> activeCueID() const { return m_activeCueID; }

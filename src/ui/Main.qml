@@ -2,48 +2,47 @@ import QtQuick
 import QtQuick.Window
 import Kairon
 
-// The application's windows, side by side: the operator's, and the two outputs that observe the
-// same engine, declared once and shown on demand.
+// The application's windows, side by side: the operator's, the two outputs that observe the
+// same engine and the settings, each declared once and shown on demand by its identifier.
 QtObject {
     id: app
 
     required property TimerEngine engine
     required property DisplayClock displayClock
+    required property AppFlowState flow
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
 
-    property Window operatorWindow: Window {
-        width: 1150
-        height: 750
+    // Shows the window of an identifier: "main", "stage", "confidence" or "settings".
+    function openWindow(identifier) {
+        const window = { main: operatorWindow, stage: stageWindow, confidence: confidenceWindow,
+                         settings: settingsWindow }[identifier];
+        if (window) {
+            window.show();
+            window.raise();
+        }
+    }
+
+    property ShowCommands commands: ShowCommands {
+        engine: app.engine
+    }
+
+    property ShellCommandTable commandTable: ShellCommandTable {
+        commands: app.commands
+        onSettingsRequested: app.openWindow("settings")
+        onQuitRequested: Qt.quit()
+    }
+
+    property OperatorWindow operatorWindow: OperatorWindow {
+        engine: app.engine
+        clock: app.displayClock
+        flow: app.flow
+        commandTable: app.commandTable
         visible: true
-        color: AppTheme.bgDeep
-        title: "Kairon"
-
-        Column {
-            anchors.centerIn: parent
-            spacing: 12
-
-            Text {
-                anchors.horizontalCenter: parent.horizontalCenter
-                text: "KAIRON"
-                color: AppTheme.accent
-                font.family: AppTheme.textFont
-                font.pixelSize: 64
-                font.weight: Font.Black
-            }
-            Text {
-                anchors.horizontalCenter: parent.horizontalCenter
-                text: "Timer de conférence professionnel"
-                color: AppTheme.textSecondary
-                font.family: AppTheme.textFont
-                font.pixelSize: 22
-            }
-            Row {
-                anchors.horizontalCenter: parent.horizontalCenter
-                spacing: 12
-                OutputButton { label: "Stage"; onClicked: app.stageWindow.show() }
-                OutputButton { label: "Confidence"; onClicked: app.confidenceWindow.show() }
-            }
+        onOpenOutput: identifier => app.openWindow(identifier)
+        Component.onCompleted: {
+            raise();
+            requestActivate();
         }
     }
 
@@ -56,4 +55,6 @@ QtObject {
         engine: app.engine
         clock: app.displayClock
     }
+
+    property SettingsWindow settingsWindow: SettingsWindow {}
 }

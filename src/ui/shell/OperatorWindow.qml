@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Controls
+import Kairon
+
+// The operator's window: the menu bar over the page of the current stage of the flow.
+ApplicationWindow {
+    id: window
+
+    required property TimerEngine engine
+    required property DisplayClock clock
+    required property AppFlowState flow
+    required property ShellCommandTable commandTable
+    signal openOutput(string identifier)
+
+    title: "Kairon"
+    minimumWidth: 1150
+    minimumHeight: 750
+    width: 1150
+    height: 750
+    color: AppTheme.bgDeep
+
+    menuBar: AppMenuBar {
+        table: window.commandTable
+    }
+
+    AppShortcuts {
+        table: window.commandTable
+    }
+
+    FlowView {
+        anchors.fill: parent
+        flow: window.flow
+        splash: SplashView {
+            flow: window.flow
+            clock: window.clock
+        }
+        sessions: SessionsPage {
+            flow: window.flow
+        }
+        workspace: WorkspacePage {
+            flow: window.flow
+            engine: window.engine
+            onOpenOutput: identifier => window.openOutput(identifier)
+        }
+    }
+}

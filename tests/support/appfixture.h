@@ -1,0 +1,64 @@
+#pragma once
+
+#include "appflowstate.h"
+#include "displayclock.h"
+#include "enginefixture.h"
+#include "formatters.h"
+#include "screenmanager.h"
+
+#include <QQmlApplicationEngine>
+#include <QQmlEngineExtensionPlugin>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+
+Q_IMPORT_QML_PLUGIN(KaironPlugin)
+
+// The application's windows as main.cpp loads them, on a real engine and a hand-moved clock.
+struct AppFixture : EngineFixture {
+    AppFixture() : displayClock(clock), screens(clock)
+    {
+        Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
+        Fmt::setTimeZone(QTimeZone("Europe/Paris"));
+        qml.addImportPath(QStringLiteral("qrc:/"));
+        qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
+                                  {"displayClock", QVariant::fromValue(&displayClock)},
+                                  {"flow", QVariant::fromValue(&flow)},
+                                  {"screens", QVariant::fromValue(&screens)}});
+        qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
+        if (qml.rootObjects().size() != 1)
+            qFatal("Main.qml did not load");
+        app = qml.rootObjects().first();
+        operatorWindow = window("operatorWindow");
+        if (!QTest::qWaitForWindowExposed(operatorWindow))
+            qFatal("the operator window was never exposed");
+    }
+
+    QQuickWindow *window(const char *property) const
+    {
+        return app->property(property).value<QQuickWindow *>();
+    }
+
+    static QQuickItem *findItem(QQuickItem *from, const QString &name)
+    {
+        for (QQuickItem *child : from->childItems()) {
+            if (child->objectName() == name)
+                return child;
+            if (QQuickItem *found = findItem(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+
+    QQuickItem *item(const char *name, QQuickWindow *in = nullptr) const
+    {
+        return findItem((in ? in : operatorWindow)->contentItem(), QString::fromLatin1(name));
+    }
+
+    DisplayClock displayClock;
+    ScreenManager screens;
+    AppFlowState flow;
+    QQmlApplicationEngine qml;
+    QObject *app = nullptr;
+    QQuickWindow *operatorWindow = nullptr;
+};
