@@ -9,12 +9,14 @@
 #include "screenmanager.h"
 #include "sessionstore.h"
 #include "soundmanager.h"
+#include "startuptrace.h"
 #include "systemclock.h"
 #include "timerengine.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
+#include <QQuickWindow>
 #include <QUrl>
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
@@ -27,7 +29,6 @@ int main(int argc, char *argv[])
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
     QGuiApplication::setOrganizationName(QStringLiteral("Kairon"));
-    RenderingBackend::chooseForThisMachine();
 
     SystemClock clock;
     Fmt::setTimeZone(clock.timeZone());
@@ -39,6 +40,10 @@ int main(int argc, char *argv[])
     TimerEngine engine(clock, sounds);
     // Remote control is live before any window shows.
     NetworkCoordinator network;
+    QObject::connect(&network, &NetworkCoordinator::oscStatusChanged, [&network] {
+        if (!network.oscStatus())
+            StartupTrace::mark("osc-listening");
+    });
     network.attach(&engine);
     DisplayClock displayClock(clock);
     ScreenManager screens(clock);
@@ -48,6 +53,8 @@ int main(int argc, char *argv[])
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
         launchError = LaunchProject::open(*file, store, engine, flow);
 
+    // Asked once remote control listens: the answer takes a moment, and only the windows need it.
+    RenderingBackend::chooseForThisMachine();
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
@@ -58,5 +65,10 @@ int main(int argc, char *argv[])
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
+    if (qml.rootObjects().isEmpty())
+        return 1;
+    auto *operatorWindow = qml.rootObjects().first()->property("operatorWindow").value<QQuickWindow *>();
+    QObject::connect(operatorWindow, &QQuickWindow::frameSwapped, operatorWindow,
+                     [] { StartupTrace::mark("first-frame"); }, Qt::SingleShotConnection);
     return app.exec();
 }

@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# The real program, started with OSC listening stored as enabled and a project on its command
+# line, applies a command sent by a real peer while its splash still shows: /kairon/play from
+# oscsend, then /kairon/running 1 seen by oscdump, well within the 10 s splash.
+# Usage: startup-osc.sh KAIRON_BINARY
+set -euo pipefail
+kairon=$1
+dir=$(mktemp -d)
+pids=()
+cleanup() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$dir"
+}
+trap cleanup EXIT
+
+free_udp_port() {
+    python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
+}
+listen=$(free_udp_port)
+send=$(free_udp_port)
+
+export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
+export XDG_RUNTIME_DIR=$dir/run QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
+mkdir -p "$XDG_CONFIG_HOME/Kairon" "$XDG_RUNTIME_DIR"
+chmod 700 "$XDG_RUNTIME_DIR"
+cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
+[General]
+oscListenEnabled=true
+oscListenPort=$listen
+oscSendEnabled=true
+oscSendHost=127.0.0.1
+oscSendPort=$send
+splashDuration=10
+CONF
+cat > "$dir/show.orvprjct" <<'JSON'
+{"name": "Soirée", "cues": [{"name": "Ouverture", "duration": 600}]}
+JSON
+
+oscdump -L "$send" > "$dir/received" 2>&1 &
+pids+=($!)
+start=$(date +%s%N)
+KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
+pids+=($!)
+
+# Listening, as the program itself reports it.
+for _ in $(seq 200); do
+    grep -q "kairon-startup osc-listening" "$dir/trace" && break
+    sleep 0.02
+done
+grep -q "kairon-startup osc-listening" "$dir/trace" || { cat "$dir/trace"; echo "never listened"; exit 1; }
+
+oscsend 127.0.0.1 "$listen" /kairon/play
+for _ in $(seq 250); do
+    grep -q "/kairon/running i 1" "$dir/received" && break
+    sleep 0.02
+done
+received=$(date +%s%N)
+grep -q "/kairon/running i 1" "$dir/received" || { cat "$dir/received"; echo "the command was not applied"; exit 1; }
+grep -q '/kairon/cue s "Ouverture"' "$dir/received" || { cat "$dir/received"; echo "no cue name"; exit 1; }
+elapsed_ms=$(( (received - start) / 1000000 ))
+if (( elapsed_ms >= 10000 )); then
+    echo "applied after ${elapsed_ms} ms, after the splash"
+    exit 1
+fi
+echo "applied ${elapsed_ms} ms after launch, while the splash shows"
