@@ -1,5 +1,6 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "appflowstate.h"
+#include "brandassets.h"
 #include "displayclock.h"
 #include "formatters.h"
 #include "launchproject.h"
@@ -48,6 +49,8 @@ int main(int argc, char *argv[])
     DisplayClock displayClock(clock);
     ScreenManager screens(clock);
     AppFlowState flow;
+    BrandAssets brand; // the cached logo at once, a fresh one from the maker's site later
+    brand.downloadRemote();
     SessionStore store(clock);
     std::optional<QString> launchError;
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
@@ -60,6 +63,7 @@ int main(int argc, char *argv[])
     qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
                               {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
                               {QStringLiteral("flow"), QVariant::fromValue(&flow)},
+                              {QStringLiteral("brand"), QVariant::fromValue(&brand)},
                               {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

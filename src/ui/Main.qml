@@ -10,13 +10,14 @@ QtObject {
     required property TimerEngine engine
     required property DisplayClock displayClock
     required property AppFlowState flow
+    required property BrandAssets brand
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
 
     // Shows the window of an identifier: "main", "stage", "confidence" or "settings".
     function openWindow(identifier) {
         const window = { main: operatorWindow, stage: stageWindow, confidence: confidenceWindow,
-                         settings: settingsWindow }[identifier];
+                         settings: settingsWindow, about: aboutWindow }[identifier];
         if (window) {
             window.show();
             window.raise();
@@ -30,6 +31,7 @@ QtObject {
     property ShellCommandTable commandTable: ShellCommandTable {
         commands: app.commands
         onSettingsRequested: app.openWindow("settings")
+        onAboutRequested: app.openWindow("about")
         onQuitRequested: Qt.quit()
     }
 
@@ -37,6 +39,7 @@ QtObject {
         engine: app.engine
         clock: app.displayClock
         flow: app.flow
+        brand: app.brand
         commandTable: app.commandTable
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)
@@ -57,4 +60,8 @@ QtObject {
     }
 
     property SettingsWindow settingsWindow: SettingsWindow {}
+
+    property AboutWindow aboutWindow: AboutWindow {
+        brand: app.brand
+    }
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "appflowstate.h"
+#include "brandassets.h"
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
 #include "screenmanager.h"
+#include "temphome.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
@@ -14,9 +16,10 @@
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
-// The application's windows as main.cpp loads them, on a real engine and a hand-moved clock.
+// The application's windows as main.cpp loads them, on a real engine and a hand-moved clock,
+// in a fresh home (no cached logo) and without network (no logo address).
 struct AppFixture : EngineFixture {
-    AppFixture() : displayClock(clock), screens(clock)
+    AppFixture() : displayClock(clock), screens(clock), brand(QUrl())
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
@@ -24,6 +27,7 @@ struct AppFixture : EngineFixture {
         qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
                                   {"displayClock", QVariant::fromValue(&displayClock)},
                                   {"flow", QVariant::fromValue(&flow)},
+                                  {"brand", QVariant::fromValue(&brand)},
                                   {"screens", QVariant::fromValue(&screens)}});
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -55,9 +59,11 @@ struct AppFixture : EngineFixture {
         return findItem((in ? in : operatorWindow)->contentItem(), QString::fromLatin1(name));
     }
 
+    TempHome home;
     DisplayClock displayClock;
     ScreenManager screens;
     AppFlowState flow;
+    BrandAssets brand;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

@@ -9,6 +9,7 @@ ApplicationWindow {
     required property TimerEngine engine
     required property DisplayClock clock
     required property AppFlowState flow
+    required property BrandAssets brand
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
 
@@ -33,6 +34,7 @@ ApplicationWindow {
         splash: SplashView {
             flow: window.flow
             clock: window.clock
+            brand: window.brand
         }
         sessions: SessionsPage {
             flow: window.flow

@@ -5,17 +5,16 @@ import Kairon
 Item {
     id: root
 
-    implicitWidth: logo.implicitWidth
-    implicitHeight: logo.implicitHeight
+    required property BrandAssets brand
 
-    Text {
+    implicitWidth: logo.width
+    implicitHeight: logo.height
+
+    OrvLogoView {
         id: logo
         anchors.centerIn: parent
-        text: "KAIRON"
-        color: AppTheme.accent
-        font.family: AppTheme.textFont
-        font.weight: Font.Black
-        font.pixelSize: 48
+        assets: root.brand
+        size: 140
     }
 
     SequentialAnimation on scale {

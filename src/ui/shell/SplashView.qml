@@ -8,6 +8,7 @@ Rectangle {
 
     required property AppFlowState flow
     required property DisplayClock clock
+    required property BrandAssets brand
 
     color: AppTheme.bgDeep
 
@@ -31,6 +32,7 @@ Rectangle {
         SplashLogo {
             objectName: "splashLogo"
             anchors.horizontalCenter: parent.horizontalCenter
+            brand: root.brand
         }
 
         Text {
