@@ -46,7 +46,8 @@ if(KAIRON_FUZZ_TESTS)
             COMMAND ${fuzz_dir}/run-fuzzer.sh ${fuzz_build}/fuzz/fuzz_${name}
                     ${fuzz_dir}/corpus/${name} ${fuzz_dir}/regressions/${name} "${dict}"
                     ${KAIRON_FUZZ_SECONDS} ${CMAKE_BINARY_DIR}/fuzz-findings/${name})
-        # Started first (high cost) so that the long fuzzers do not end the test run alone.
+        # A high cost makes ctest start the fuzzers first, side by side, rather than next to
+        # the tests that measure latencies, and keeps them from ending the run alone.
         set_tests_properties(fuzz_${name} PROPERTIES
             LABELS fuzz
             TIMEOUT 120
