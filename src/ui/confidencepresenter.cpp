@@ -1,5 +1,6 @@
 #include "confidencepresenter.h"
 
+#include "enginetypes.h"
 #include "theme.h"
 
 ConfidencePresenter::ConfidencePresenter(QObject *parent) : QObject(parent)
@@ -11,14 +12,10 @@ void ConfidencePresenter::setEngine(TimerEngine *engine)
 {
     if (m_engine == engine)
         return;
-    if (m_engine)
-        m_engine->disconnect(this);
-    m_engine = engine;
-    if (m_engine) {
-        for (auto signal : {&TimerEngine::activeCueChanged, &TimerEngine::clockChanged,
-                            &TimerEngine::messageChanged, &TimerEngine::sessionChanged})
-            connect(m_engine, signal, this, &ConfidencePresenter::refresh);
-    }
+    followEngine(m_engine, engine, this,
+                 {&TimerEngine::activeCueChanged, &TimerEngine::clockChanged,
+                  &TimerEngine::messageChanged, &TimerEngine::sessionChanged},
+                 &ConfidencePresenter::refresh);
     refresh();
     emit engineChanged();
 }

@@ -1,17 +1,15 @@
 #include "showcommands.h"
 
+#include "enginetypes.h"
+
 void ShowCommands::setEngine(TimerEngine *engine)
 {
     if (m_engine == engine)
         return;
-    if (m_engine)
-        m_engine->disconnect(this);
-    m_engine = engine;
-    if (m_engine) {
-        for (auto signal : {&TimerEngine::runStateChanged, &TimerEngine::blackoutChanged,
-                            &TimerEngine::freezeChanged, &TimerEngine::clockModeChanged})
-            connect(m_engine, signal, this, &ShowCommands::titlesChanged);
-    }
+    followEngine(m_engine, engine, this,
+                 {&TimerEngine::runStateChanged, &TimerEngine::blackoutChanged,
+                  &TimerEngine::freezeChanged, &TimerEngine::clockModeChanged},
+                 &ShowCommands::titlesChanged);
     emit engineChanged();
     emit titlesChanged();
 }
@@ -40,84 +38,25 @@ QString ShowCommands::clockModeTitle() const
                                              : QStringLiteral("Mode horloge");
 }
 
-void ShowCommands::undo()
-{
-    if (m_engine)
-        m_engine->undo();
-}
-
-void ShowCommands::redo()
-{
-    if (m_engine)
-        m_engine->redo();
-}
+void ShowCommands::undo() { run([](TimerEngine &e) { e.undo(); }); }
+void ShowCommands::redo() { run([](TimerEngine &e) { e.redo(); }); }
+void ShowCommands::stop() { run([](TimerEngine &e) { e.stop(); }); }
+void ShowCommands::reset() { run([](TimerEngine &e) { e.reset(); }); }
+void ShowCommands::nextCue() { run([](TimerEngine &e) { e.next(); }); }
+void ShowCommands::previousCue() { run([](TimerEngine &e) { e.previous(); }); }
+void ShowCommands::addThirtySeconds() { run([](TimerEngine &e) { e.adjust(adjustStepSeconds); }); }
+void ShowCommands::removeThirtySeconds() { run([](TimerEngine &e) { e.adjust(-adjustStepSeconds); }); }
+void ShowCommands::blink() { run([](TimerEngine &e) { e.triggerBlink(blinkSeconds); }); }
+void ShowCommands::toggleBlackout() { run([](TimerEngine &e) { e.setBlackout(!e.blackout()); }); }
+void ShowCommands::toggleFreeze() { run([](TimerEngine &e) { e.toggleFreeze(); }); }
+void ShowCommands::toggleClockMode() { run([](TimerEngine &e) { e.setClockMode(!e.clockMode()); }); }
 
 void ShowCommands::playPause()
 {
-    if (!m_engine)
-        return;
-    if (m_engine->isRunning())
-        m_engine->pause();
-    else
-        m_engine->start();
-}
-
-void ShowCommands::stop()
-{
-    if (m_engine)
-        m_engine->stop();
-}
-
-void ShowCommands::reset()
-{
-    if (m_engine)
-        m_engine->reset();
-}
-
-void ShowCommands::nextCue()
-{
-    if (m_engine)
-        m_engine->next();
-}
-
-void ShowCommands::previousCue()
-{
-    if (m_engine)
-        m_engine->previous();
-}
-
-void ShowCommands::addThirtySeconds()
-{
-    if (m_engine)
-        m_engine->adjust(adjustStepSeconds);
-}
-
-void ShowCommands::removeThirtySeconds()
-{
-    if (m_engine)
-        m_engine->adjust(-adjustStepSeconds);
-}
-
-void ShowCommands::blink()
-{
-    if (m_engine)
-        m_engine->triggerBlink(blinkSeconds);
-}
-
-void ShowCommands::toggleBlackout()
-{
-    if (m_engine)
-        m_engine->setBlackout(!m_engine->blackout());
-}
-
-void ShowCommands::toggleFreeze()
-{
-    if (m_engine)
-        m_engine->toggleFreeze();
-}
-
-void ShowCommands::toggleClockMode()
-{
-    if (m_engine)
-        m_engine->setClockMode(!m_engine->clockMode());
+    run([](TimerEngine &e) {
+        if (e.isRunning())
+            e.pause();
+        else
+            e.start();
+    });
 }

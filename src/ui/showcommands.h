@@ -53,5 +53,13 @@ signals:
     void titlesChanged();
 
 private:
+    // Runs an operation on the engine, when there is one.
+    template <typename Operation>
+    void run(Operation operation)
+    {
+        if (m_engine)
+            operation(*m_engine);
+    }
+
     QPointer<TimerEngine> m_engine;
 };

@@ -1,5 +1,6 @@
 #include "stagepresenter.h"
 
+#include "enginetypes.h"
 #include "theme.h"
 
 #include <algorithm>
@@ -15,10 +16,15 @@ void StagePresenter::setEngine(TimerEngine *engine)
 {
     if (m_engine == engine)
         return;
-    if (m_engine)
-        m_engine->disconnect(this);
-    m_engine = engine;
-    connectInputs();
+    // Every published value the stage reads; each one recomputes the frame.
+    followEngine(m_engine, engine, this,
+                 {&TimerEngine::activeCueChanged, &TimerEngine::runStateChanged,
+                  &TimerEngine::clockChanged, &TimerEngine::messageChanged,
+                  &TimerEngine::blackoutChanged, &TimerEngine::freezeChanged,
+                  &TimerEngine::clockModeChanged, &TimerEngine::blinkActiveChanged,
+                  &TimerEngine::doorsChanged},
+                 &StagePresenter::refresh);
+    refresh();
     emit inputsChanged();
 }
 
@@ -26,24 +32,7 @@ void StagePresenter::setClock(DisplayClock *clock)
 {
     if (m_clock == clock)
         return;
-    if (m_clock)
-        m_clock->disconnect(this);
     m_clock = clock;
-    connectInputs();
-    emit inputsChanged();
-}
-
-void StagePresenter::connectInputs()
-{
-    if (m_engine) {
-        // Every published value the stage reads; each one recomputes the frame.
-        for (auto signal : {&TimerEngine::activeCueChanged, &TimerEngine::runStateChanged,
-                            &TimerEngine::clockChanged, &TimerEngine::messageChanged,
-                            &TimerEngine::blackoutChanged, &TimerEngine::freezeChanged,
-                            &TimerEngine::clockModeChanged, &TimerEngine::blinkActiveChanged,
-                            &TimerEngine::doorsChanged})
-            connect(m_engine, signal, this, &StagePresenter::refresh, Qt::UniqueConnection);
-    }
     m_flashTimer.reset();
     m_blinkTimer.reset();
     if (m_clock) {
@@ -54,6 +43,7 @@ void StagePresenter::connectInputs()
         m_blinkTimer->start(blinkPeriodMs);
     }
     refresh();
+    emit inputsChanged();
 }
 
 void StagePresenter::onFlashTimer()

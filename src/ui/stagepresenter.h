@@ -102,7 +102,6 @@ private:
         bool operator==(const Frame &) const = default;
     };
 
-    void connectInputs();
     void onFlashTimer();
     void onBlinkTimer();
     void refresh();

@@ -5,6 +5,7 @@
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
+#include "quickitems.h"
 #include "screenmanager.h"
 #include "temphome.h"
 
@@ -43,20 +44,9 @@ struct AppFixture : EngineFixture {
         return app->property(property).value<QQuickWindow *>();
     }
 
-    static QQuickItem *findItem(QQuickItem *from, const QString &name)
-    {
-        for (QQuickItem *child : from->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem *found = findItem(child, name))
-                return found;
-        }
-        return nullptr;
-    }
-
     QQuickItem *item(const char *name, QQuickWindow *in = nullptr) const
     {
-        return findItem((in ? in : operatorWindow)->contentItem(), QString::fromLatin1(name));
+        return findQuickItem((in ? in : operatorWindow)->contentItem(), QString::fromLatin1(name));
     }
 
     TempHome home;

@@ -43,7 +43,7 @@ struct BrandView {
 
     QQuickItem *find(const char *name) const
     {
-        QQuickItem *found = DisplayFixture::findItem(window.contentItem(), QString::fromLatin1(name));
+        QQuickItem *found = findQuickItem(window.contentItem(), QString::fromLatin1(name));
         if (!found)
             qFatal("no item named %s", name);
         return found;

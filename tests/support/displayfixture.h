@@ -3,6 +3,7 @@
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
+#include "quickitems.h"
 
 #include <QHash>
 #include <QImage>
@@ -52,7 +53,7 @@ struct DisplayFixture : EngineFixture {
 
     QQuickItem *item(const char *name) const
     {
-        QQuickItem *found = findItem(window->contentItem(), QString::fromLatin1(name));
+        QQuickItem *found = findQuickItem(window->contentItem(), QString::fromLatin1(name));
         if (!found)
             qFatal("no item named %s", name);
         return found;
@@ -60,19 +61,7 @@ struct DisplayFixture : EngineFixture {
 
     bool hasItem(const char *name) const
     {
-        return findItem(window->contentItem(), QString::fromLatin1(name)) != nullptr;
-    }
-
-    // Depth first through the visual tree, where the items of every component are.
-    static QQuickItem *findItem(QQuickItem *from, const QString &name)
-    {
-        for (QQuickItem *child : from->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem *found = findItem(child, name))
-                return found;
-        }
-        return nullptr;
+        return findQuickItem(window->contentItem(), QString::fromLatin1(name)) != nullptr;
     }
 
     QImage grab()
@@ -109,6 +98,23 @@ inline bool near(const QColor &a, const QColor &b, int tolerance = 2)
 {
     return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance
            && std::abs(a.blue() - b.blue()) <= tolerance;
+}
+
+// The sizes an operator uses: a preview on the control desk, a 1080p and a 4K screen, as the
+// rows of a data-driven test, with the short name each screenshot carries.
+inline void addDisplaySizes()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("preview") << QSize(1150, 750);
+    QTest::newRow("1080p") << QSize(1920, 1080);
+    QTest::newRow("4K") << QSize(3840, 2160);
+}
+
+inline QString sizeTag(const QSize &size)
+{
+    return size.width() == 1150 ? QStringLiteral("preview")
+           : size.width() == 1920 ? QStringLiteral("1080p")
+                                  : QStringLiteral("4k");
 }
 
 // The most frequent colour in `rect` other than `except` (give or take rounding): the solid colour of large glyphs

@@ -90,8 +90,8 @@ private slots:
             {"identity:envelope", Brand::emailAddress()}};
         for (const auto &[row, value] : identity) {
             QQuickItem *line = about.find(row);
-            QQuickItem *label = DisplayFixture::findItem(line, QStringLiteral("identityLabel"));
-            QQuickItem *shown = DisplayFixture::findItem(line, QStringLiteral("identityValue"));
+            QQuickItem *label = findQuickItem(line, QStringLiteral("identityLabel"));
+            QQuickItem *shown = findQuickItem(line, QStringLiteral("identityValue"));
             QVERIFY2(label && shown, row);
             QCOMPARE(label->width(), 50.0);
             QCOMPARE(textOf(shown), value);

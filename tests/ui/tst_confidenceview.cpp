@@ -9,11 +9,6 @@ namespace {
 
 const QColor bgDeep = toQColor(AppTheme::bgDeep);
 
-int pixelSize(const QQuickItem *item)
-{
-    return item->property("font").value<QFont>().pixelSize();
-}
-
 Cue speakerCue(const QString &name, const QString &speaker, double duration)
 {
     Cue cue = durationCue(name, duration);
@@ -28,18 +23,6 @@ class TestConfidenceView : public QObject
 {
     Q_OBJECT
 
-    static void sizes()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("preview") << QSize(1150, 750);
-        QTest::newRow("1080p") << QSize(1920, 1080);
-        QTest::newRow("4K") << QSize(3840, 2160);
-    }
-
-    static QString tag(const QSize &size)
-    {
-        return size.width() == 1150 ? "preview" : size.width() == 1920 ? "1080p" : "4k";
-    }
 
     static void runShow(DisplayFixture &f, std::chrono::microseconds into)
     {
@@ -50,7 +33,7 @@ class TestConfidenceView : public QObject
     }
 
 private slots:
-    void showsTheClockTheSpeakerTheCueAndWhatComesNext_data() { sizes(); }
+    void showsTheClockTheSpeakerTheCueAndWhatComesNext_data() { addDisplaySizes(); }
     void showsTheClockTheSpeakerTheCueAndWhatComesNext()
     {
         QFETCH(QSize, size);
@@ -59,7 +42,7 @@ private slots:
         f.engine.sendMessage(QStringLiteral("Questions du public"), false);
         QCoreApplication::processEvents();
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "confidence-running-" + tag(size));
+        DisplayFixture::keep(shot, "confidence-running-" + sizeTag(size));
         const int w = size.width();
 
         QQuickItem *clock = f.item("wallClock");

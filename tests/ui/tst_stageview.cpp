@@ -17,11 +17,6 @@ Cue cueWithColour(const QString &name, double duration, const QString &hex)
     return cue;
 }
 
-int pixelSize(const QQuickItem *item)
-{
-    return item->property("font").value<QFont>().pixelSize();
-}
-
 } // namespace
 
 // Every visual state of the stage display, rendered offscreen at 1080p and 4K.
@@ -29,18 +24,6 @@ class TestStageView : public QObject
 {
     Q_OBJECT
 
-    static void sizes()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("preview") << QSize(1150, 750);
-        QTest::newRow("1080p") << QSize(1920, 1080);
-        QTest::newRow("4K") << QSize(3840, 2160);
-    }
-
-    static QString tag(const QSize &size)
-    {
-        return size.width() == 1150 ? "preview" : size.width() == 1920 ? "1080p" : "4k";
-    }
 
     // The colour of the big digits, and that their text is `text`.
     static QColor timeColour(DisplayFixture &f, const QImage &shot, const QString &text)
@@ -62,7 +45,7 @@ class TestStageView : public QObject
     }
 
 private slots:
-    void blackoutShowsOnlyBlackEvenWithAMessageAndTheClock_data() { sizes(); }
+    void blackoutShowsOnlyBlackEvenWithAMessageAndTheClock_data() { addDisplaySizes(); }
     void blackoutShowsOnlyBlackEvenWithAMessageAndTheClock()
     {
         QFETCH(QSize, size);
@@ -72,7 +55,7 @@ private slots:
         f.engine.setClockMode(true);
         f.engine.setBlackout(true);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-blackout-" + tag(size));
+        DisplayFixture::keep(shot, "stage-blackout-" + sizeTag(size));
         for (int y = 0; y < shot.height(); y += 7)
             for (int x = 0; x < shot.width(); x += 7)
                 QCOMPARE(QColor(shot.pixel(x, y)), QColor(Qt::black));
@@ -84,7 +67,7 @@ private slots:
         KAIRON_COMPARE_COLOUR(QColor(blink.pixel(10, 10)), blend(toQColor(AppTheme::accent), 0.85, Qt::black));
     }
 
-    void doorsShowTheCountdownToTheShow_data() { sizes(); }
+    void doorsShowTheCountdownToTheShow_data() { addDisplaySizes(); }
     void doorsShowTheCountdownToTheShow()
     {
         QFETCH(QSize, size);
@@ -94,7 +77,7 @@ private slots:
         f.engine.startDoors(QDateTime(QDate(2026, 11, 21), QTime(20, 45), QTimeZone("Europe/Paris")));
         f.advance(50ms); // 14:44.700 to go
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-doors-" + tag(size));
+        DisplayFixture::keep(shot, "stage-doors-" + sizeTag(size));
         QQuickItem *title = f.item("doorsTitle");
         QVERIFY(title->isVisible());
         QCOMPARE(title->property("text").toString(), QStringLiteral("LE SHOW COMMENCE DANS"));
@@ -114,7 +97,7 @@ private slots:
         QVERIFY(f.item("stageTime")->isVisible());
     }
 
-    void clockModeShowsTheTimeOfDayAndTheFullDate_data() { sizes(); }
+    void clockModeShowsTheTimeOfDayAndTheFullDate_data() { addDisplaySizes(); }
     void clockModeShowsTheTimeOfDayAndTheFullDate()
     {
         QFETCH(QSize, size);
@@ -128,7 +111,7 @@ private slots:
         QCOMPARE(date->property("text").toString(), QStringLiteral("samedi 21 novembre 2026"));
         QCOMPARE(pixelSize(date), 28);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-clock-" + tag(size));
+        DisplayFixture::keep(shot, "stage-clock-" + sizeTag(size));
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(time), bgDeep), QColor(Qt::white));
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(date), bgDeep), toQColor(AppTheme::textMuted));
         // On the true second, not up to a second late.
@@ -138,13 +121,13 @@ private slots:
         QCOMPARE(time->property("text").toString(), QStringLiteral("20:30:16"));
     }
 
-    void withoutACueTheTimeIsMutedAndUnnamed_data() { sizes(); }
+    void withoutACueTheTimeIsMutedAndUnnamed_data() { addDisplaySizes(); }
     void withoutACueTheTimeIsMutedAndUnnamed()
     {
         QFETCH(QSize, size);
         DisplayFixture f("StageWindow.qml", size);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-idle-" + tag(size));
+        DisplayFixture::keep(shot, "stage-idle-" + sizeTag(size));
         QVERIFY(!f.item("cueName")->isVisible());
         QCOMPARE(f.item("stageTime")->property("text").toString(), QStringLiteral("00:00"));
         KAIRON_COMPARE_COLOUR(timeColour(f, shot, "00:00"), toQColor(AppTheme::textMuted));
@@ -152,14 +135,14 @@ private slots:
         QVERIFY(!f.item("freezeBadge")->isVisible());
     }
 
-    void aCalmCueIsGreenWithItsNameAndBar_data() { sizes(); }
+    void aCalmCueIsGreenWithItsNameAndBar_data() { addDisplaySizes(); }
     void aCalmCueIsGreenWithItsNameAndBar()
     {
         QFETCH(QSize, size);
         DisplayFixture f("StageWindow.qml", size);
         runTo(f, 450);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-calm-" + tag(size));
+        DisplayFixture::keep(shot, "stage-calm-" + sizeTag(size));
         QQuickItem *name = f.item("cueName");
         QCOMPARE(name->property("text").toString(), QStringLiteral("Keynote"));
         QCOMPARE(pixelSize(name), qRound(std::min(size.width() * 0.035, 44.0)));
@@ -189,7 +172,7 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QColor>("colour");
         for (const QSize size : {QSize(1920, 1080), QSize(3840, 2160)}) {
-            const QString t = tag(size);
+            const QString t = sizeTag(size);
             QTest::addRow("warning at 120 %s", qPrintable(t)) << size << 120.0 << "02:00" << toQColor(AppTheme::stateWarning);
             QTest::addRow("calm at 120.1 %s", qPrintable(t)) << size << 120.1 << "02:00" << toQColor(AppTheme::stateNormal);
             QTest::addRow("danger at 30 %s", qPrintable(t)) << size << 30.0 << "00:30" << toQColor(AppTheme::stateDanger);
@@ -207,13 +190,13 @@ private slots:
         runTo(f, remaining);
         QCOMPARE(f.engine.remaining(), remaining);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, QStringLiteral("stage-at-%1-%2").arg(remaining).arg(tag(size)));
+        DisplayFixture::keep(shot, QStringLiteral("stage-at-%1-%2").arg(remaining).arg(sizeTag(size)));
         QCOMPARE(f.item("stageTime")->property("text").toString(), text);
         KAIRON_COMPARE_COLOUR(timeColour(f, shot, text), colour);
         KAIRON_COMPARE_COLOUR(QColor(shot.pixel(f.sceneRect(f.item("progressFill")).center())), colour);
     }
 
-    void overtimePulsesOnTheFlashPhase_data() { sizes(); }
+    void overtimePulsesOnTheFlashPhase_data() { addDisplaySizes(); }
     void overtimePulsesOnTheFlashPhase()
     {
         QFETCH(QSize, size);
@@ -226,7 +209,7 @@ private slots:
         for (int i = 0; i < 2; ++i) {
             const bool flash = stage->flash();
             const QImage shot = f.grab();
-            DisplayFixture::keep(shot, QStringLiteral("stage-overtime-%1-%2").arg(flash ? "bright" : "dim", tag(size)));
+            DisplayFixture::keep(shot, QStringLiteral("stage-overtime-%1-%2").arg(flash ? "bright" : "dim", sizeTag(size)));
             KAIRON_COMPARE_COLOUR(timeColour(f, shot, "-00:00"), flash ? red : blend(red, 0.35, bgDeep));
             QCOMPARE(f.item("stageTime")->property("opacity").toDouble(), flash ? 1.0 : 0.35);
             f.advance(600ms);
@@ -251,7 +234,7 @@ private slots:
         QCOMPARE(f.item("stageTime")->property("opacity").toDouble(), 1.0);
     }
 
-    void freezeInOvertimeHoldsTheValueWithTheBadge_data() { sizes(); }
+    void freezeInOvertimeHoldsTheValueWithTheBadge_data() { addDisplaySizes(); }
     void freezeInOvertimeHoldsTheValueWithTheBadge()
     {
         QFETCH(QSize, size);
@@ -263,7 +246,7 @@ private slots:
         if (!stage->flash())
             f.advance(600ms);
         const QImage shot = f.grab();
-        DisplayFixture::keep(shot, "stage-freeze-overtime-" + tag(size));
+        DisplayFixture::keep(shot, "stage-freeze-overtime-" + sizeTag(size));
         QCOMPARE(f.item("stageTime")->property("text").toString(), QStringLiteral("-00:05"));
         KAIRON_COMPARE_COLOUR(timeColour(f, shot, "-00:05"), toQColor(AppTheme::stateOvertime));
         QQuickItem *badge = f.item("freezeBadge");
@@ -276,14 +259,14 @@ private slots:
         QCOMPARE(f.item("stageTime")->property("opacity").toDouble(), 0.35); // still pulsing
     }
 
-    void aCueColourShowsWhileCalmThenTheWarningWins_data() { sizes(); }
+    void aCueColourShowsWhileCalmThenTheWarningWins_data() { addDisplaySizes(); }
     void aCueColourShowsWhileCalmThenTheWarningWins()
     {
         QFETCH(QSize, size);
         DisplayFixture f("StageWindow.qml", size);
         runTo(f, 121, cueWithColour("Keynote", 600, QStringLiteral(" #2F80ED ")));
         const QImage calm = f.grab();
-        DisplayFixture::keep(calm, "stage-cue-colour-" + tag(size));
+        DisplayFixture::keep(calm, "stage-cue-colour-" + sizeTag(size));
         KAIRON_COMPARE_COLOUR(timeColour(f, calm, "02:01"), QColor(0x2F, 0x80, 0xED));
         f.advance(1s);
         f.engine.tick();
@@ -298,7 +281,7 @@ private slots:
         KAIRON_COMPARE_COLOUR(timeColour(f, f.grab(), "06:40"), toQColor(AppTheme::stateNormal));
     }
 
-    void aNormalMessageIsAnOrangeBannerThatNeverPulses_data() { sizes(); }
+    void aNormalMessageIsAnOrangeBannerThatNeverPulses_data() { addDisplaySizes(); }
     void aNormalMessageIsAnOrangeBannerThatNeverPulses()
     {
         QFETCH(QSize, size);
@@ -317,7 +300,7 @@ private slots:
         QCOMPARE(banner->height(), text->height() + 40);
         for (int phase = 0; phase < 2; ++phase) {
             const QImage shot = f.grab();
-            DisplayFixture::keep(shot, QStringLiteral("stage-message-%1-%2").arg(phase).arg(tag(size)));
+            DisplayFixture::keep(shot, QStringLiteral("stage-message-%1-%2").arg(phase).arg(sizeTag(size)));
             const QColor background = blend(Qt::black, 0.7, bgDeep);
             KAIRON_COMPARE_COLOUR(QColor(shot.pixel(area.left() + 20, area.center().y())), background);
             KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(text), background), toQColor(AppTheme::accent));
@@ -326,7 +309,7 @@ private slots:
         }
     }
 
-    void anUrgentMessageIsARedBannerPulsingEvenWhenCalm_data() { sizes(); }
+    void anUrgentMessageIsARedBannerPulsingEvenWhenCalm_data() { addDisplaySizes(); }
     void anUrgentMessageIsARedBannerPulsingEvenWhenCalm()
     {
         QFETCH(QSize, size);
@@ -341,7 +324,7 @@ private slots:
         for (int i = 0; i < 2; ++i) {
             const bool flash = stage->flash();
             const QImage shot = f.grab();
-            DisplayFixture::keep(shot, QStringLiteral("stage-urgent-%1-%2").arg(flash ? "bright" : "dim", tag(size)));
+            DisplayFixture::keep(shot, QStringLiteral("stage-urgent-%1-%2").arg(flash ? "bright" : "dim", sizeTag(size)));
             const double opacity = flash ? 1.0 : 0.5;
             QCOMPARE(banner->opacity(), opacity);
             const QColor background = blend(red, opacity, bgDeep);
@@ -353,7 +336,7 @@ private slots:
         }
     }
 
-    void blinkStrobesOrangeAndWhite_data() { sizes(); }
+    void blinkStrobesOrangeAndWhite_data() { addDisplaySizes(); }
     void blinkStrobesOrangeAndWhite()
     {
         QFETCH(QSize, size);
@@ -365,7 +348,7 @@ private slots:
             f.advance(150ms);
             const bool orange = stage->blinkPhase();
             const QImage shot = f.grab();
-            DisplayFixture::keep(shot, QStringLiteral("stage-blink-%1-%2").arg(orange ? "orange" : "white", tag(size)));
+            DisplayFixture::keep(shot, QStringLiteral("stage-blink-%1-%2").arg(orange ? "orange" : "white", sizeTag(size)));
             const QColor overlay = orange ? toQColor(AppTheme::accent) : QColor(Qt::white);
             KAIRON_COMPARE_COLOUR(QColor(shot.pixel(10, 10)), blend(overlay, 0.85, bgDeep));
         }
