@@ -13,6 +13,7 @@
 #include "startuptrace.h"
 #include "systemclock.h"
 #include "timerengine.h"
+#include "toastcenter.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -51,10 +52,10 @@ int main(int argc, char *argv[])
     AppFlowState flow;
     BrandAssets brand; // the cached logo at once, a fresh one from the maker's site later
     brand.downloadRemote();
+    ToastCenter toasts(clock);
     SessionStore store(clock);
-    std::optional<QString> launchError;
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
-        launchError = LaunchProject::open(*file, store, engine, flow);
+        LaunchProject::open(*file, store, engine, flow, toasts);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();
@@ -64,6 +65,7 @@ int main(int argc, char *argv[])
                               {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
                               {QStringLiteral("flow"), QVariant::fromValue(&flow)},
                               {QStringLiteral("brand"), QVariant::fromValue(&brand)},
+                              {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
                               {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

@@ -11,6 +11,7 @@ QtObject {
     required property DisplayClock displayClock
     required property AppFlowState flow
     required property BrandAssets brand
+    required property ToastCenter toasts
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
 
@@ -40,6 +41,7 @@ QtObject {
         clock: app.displayClock
         flow: app.flow
         brand: app.brand
+        toasts: app.toasts
         commandTable: app.commandTable
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)

@@ -11,13 +11,22 @@ std::optional<QString> fileArgument(const QStringList &arguments)
 }
 
 std::optional<QString> open(const QString &path, const SessionStore &store, TimerEngine &engine,
-                            AppFlowState &flow)
+                            AppFlowState &flow, ToastCenter &toasts)
 {
     QString error;
     const std::optional<TimerSession> session = store.read(path, &error);
     if (!session) {
         flow.setStageAfterSplash(AppFlowState::Sessions);
-        return QStringLiteral("Projet illisible : ") + error;
+        const QString text = QStringLiteral("Projet illisible : ") + error;
+        // Shown on arrival at the library: during the splash it would be gone unseen.
+        QObject::connect(
+            &flow, &AppFlowState::stageChanged, &toasts,
+            [&flow, &toasts, text] {
+                if (flow.stage() == AppFlowState::Sessions)
+                    toasts.showError(text);
+            },
+            Qt::SingleShotConnection);
+        return text;
     }
     engine.loadSession(*session);
     flow.setStageAfterSplash(AppFlowState::Workspace);

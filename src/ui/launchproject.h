@@ -3,6 +3,7 @@
 #include "appflowstate.h"
 #include "sessionstore.h"
 #include "timerengine.h"
+#include "toastcenter.h"
 
 #include <QString>
 #include <QStringList>
@@ -16,9 +17,9 @@ namespace LaunchProject {
 std::optional<QString> fileArgument(const QStringList &arguments);
 
 // Loads the project into the engine and makes the splash lead to the console. A file that
-// cannot be read leaves the flow going to the library and gives the text of the toast that
-// says so ("Projet illisible : " and the reason).
+// cannot be read leaves the flow going to the library, where the error toast "Projet
+// illisible : " and the reason greets the operator; that text is returned.
 std::optional<QString> open(const QString &path, const SessionStore &store, TimerEngine &engine,
-                            AppFlowState &flow);
+                            AppFlowState &flow, ToastCenter &toasts);
 
 } // namespace LaunchProject

@@ -8,6 +8,7 @@
 #include "quickitems.h"
 #include "screenmanager.h"
 #include "temphome.h"
+#include "toastcenter.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
@@ -20,7 +21,7 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 // The application's windows as main.cpp loads them, on a real engine and a hand-moved clock,
 // in a fresh home (no cached logo) and without network (no logo address).
 struct AppFixture : EngineFixture {
-    AppFixture() : displayClock(clock), screens(clock), brand(QUrl())
+    AppFixture() : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock)
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
@@ -29,6 +30,7 @@ struct AppFixture : EngineFixture {
                                   {"displayClock", QVariant::fromValue(&displayClock)},
                                   {"flow", QVariant::fromValue(&flow)},
                                   {"brand", QVariant::fromValue(&brand)},
+                                  {"toasts", QVariant::fromValue(&toasts)},
                                   {"screens", QVariant::fromValue(&screens)}});
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -54,6 +56,7 @@ struct AppFixture : EngineFixture {
     ScreenManager screens;
     AppFlowState flow;
     BrandAssets brand;
+    ToastCenter toasts;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

@@ -113,7 +113,7 @@ private slots:
 
         AppFixture f;
         const SessionStore store(f.clock);
-        QCOMPARE(LaunchProject::open(path, store, f.engine, f.flow), std::nullopt);
+        QCOMPARE(LaunchProject::open(path, store, f.engine, f.flow, f.toasts), std::nullopt);
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Gala des lumières"));
         QCOMPARE(f.flow.stage(), AppFlowState::Splash); // the splash still shows first
         f.clock.advance(10s);
@@ -134,15 +134,24 @@ private slots:
         file.close();
         AppFixture f;
         const SessionStore store(f.clock);
-        QCOMPARE(LaunchProject::open(path, store, f.engine, f.flow),
+        QCOMPARE(LaunchProject::open(path, store, f.engine, f.flow, f.toasts),
                  std::optional<QString>(QStringLiteral("Projet illisible : le contenu n'est pas du "
                                                        "JSON valide (octet 26)")));
-        QCOMPARE(LaunchProject::open(dir.filePath("absent.orvprjct"), store, f.engine, f.flow)
+        QCOMPARE(LaunchProject::open(dir.filePath("absent.orvprjct"), store, f.engine, f.flow, f.toasts)
                      .value_or(QString()).left(19),
                  QStringLiteral("Projet illisible : "));
+        QVERIFY(!f.toasts.showing()); // not during the splash, where it would go unseen
         f.clock.advance(10s);
         QCOMPARE(f.flow.stage(), AppFlowState::Sessions);
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Session"));
+        QVERIFY(f.toasts.current().has_value());
+        QCOMPARE(f.toasts.current()->kind, ToastMessage::Error);
+        QVERIFY(f.toasts.text().startsWith(QStringLiteral("Projet illisible : ")));
+        QTRY_COMPARE(f.item("toastText")->property("text").toString(), f.toasts.text());
+        f.clock.advance(4999ms);
+        QVERIFY(f.toasts.showing());
+        f.clock.advance(1ms); // an error stays five seconds
+        QVERIFY(!f.toasts.showing());
     }
 
     // Each command's keys, from each window of the application: the operator's, the two

@@ -10,6 +10,7 @@ ApplicationWindow {
     required property DisplayClock clock
     required property AppFlowState flow
     required property BrandAssets brand
+    required property ToastCenter toasts
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
 
@@ -44,5 +45,9 @@ ApplicationWindow {
             engine: window.engine
             onOpenOutput: identifier => window.openOutput(identifier)
         }
+    }
+
+    ToastOverlay {
+        center: window.toasts
     }
 }

@@ -23,9 +23,11 @@ Rectangle {
             font.pixelSize: 22
         }
 
-        OutputButton {
+        AccentButtonStyle {
+            objectName: "openConsole"
             anchors.horizontalCenter: parent.horizontalCenter
-            label: "Console"
+            prominent: true
+            text: "Console"
             onClicked: root.flow.stage = AppFlowState.Workspace
         }
     }

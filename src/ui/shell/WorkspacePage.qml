@@ -12,12 +12,12 @@ Rectangle {
 
     color: AppTheme.bgMain
 
-    OutputButton {
+    AccentButtonStyle {
         objectName: "backToProjects"
         anchors.left: parent.left
         anchors.top: parent.top
         anchors.margins: 16
-        label: "\u2190 Projets"
+        text: "\u2190 Projets"
         onClicked: {
             root.engine.stop();
             root.flow.stage = AppFlowState.Sessions;
@@ -41,8 +41,8 @@ Rectangle {
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
             spacing: 12
-            OutputButton { label: "Stage"; onClicked: root.openOutput("stage") }
-            OutputButton { label: "Confidence"; onClicked: root.openOutput("confidence") }
+            AccentButtonStyle { objectName: "openStage"; text: "Stage"; onClicked: root.openOutput("stage") }
+            AccentButtonStyle { objectName: "openConfidence"; text: "Confidence"; onClicked: root.openOutput("confidence") }
         }
     }
 }
