@@ -66,6 +66,7 @@ int main(int argc, char *argv[])
                               {QStringLiteral("flow"), QVariant::fromValue(&flow)},
                               {QStringLiteral("brand"), QVariant::fromValue(&brand)},
                               {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
+                              {QStringLiteral("store"), QVariant::fromValue(&store)},
                               {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

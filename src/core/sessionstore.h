@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 
@@ -19,11 +20,19 @@
 //
 // The file dialogs belong to the views; import and export here read and write a path the user
 // chose, and fail silently as the library page expects.
-class SessionStore
+//
+// A QObject only so that the views can be handed the application's one store; it has no
+// properties or signals.
+class SessionStore : public QObject
 {
+    Q_OBJECT
+
 public:
     // `clock` dates renames and duplicates.
-    explicit SessionStore(const Clock &clock) : m_clock(clock) {}
+    explicit SessionStore(const Clock &clock, QObject *parent = nullptr)
+        : QObject(parent), m_clock(clock)
+    {
+    }
 
     static constexpr QLatin1StringView extension{"orvprjct"};
 

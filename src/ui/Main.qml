@@ -12,6 +12,8 @@ QtObject {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    // The project library on disk.
+    required property SessionStore store
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
 
@@ -42,6 +44,7 @@ QtObject {
         flow: app.flow
         brand: app.brand
         toasts: app.toasts
+        store: app.store
         commandTable: app.commandTable
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)

@@ -14,9 +14,12 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("backward.end.fill"), 0xE045},                // skip_previous
         {QStringLiteral("bolt.fill"), 0xEA0B},                        // bolt
         {QStringLiteral("building.2"), 0xEA40},                       // apartment
+        {QStringLiteral("calendar"), 0xE935},                         // calendar_today
+        {QStringLiteral("checkmark"), 0xE5CA},                        // check
         {QStringLiteral("checkmark.circle.fill"), 0xE86C},            // check_circle
         {QStringLiteral("chevron.down"), 0xE5CF},                     // expand_more
         {QStringLiteral("chevron.left"), 0xE5CB},                     // chevron_left
+        {QStringLiteral("chevron.right"), 0xE5CC},                    // chevron_right
         {QStringLiteral("chevron.up"), 0xE5CE},                       // expand_less
         {QStringLiteral("clock.fill"), 0xEFD6},                       // access_time_filled
         {QStringLiteral("doc.badge.clock"), 0xF1BB},                  // pending_actions

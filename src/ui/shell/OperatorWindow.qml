@@ -11,6 +11,7 @@ ApplicationWindow {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    required property SessionStore store
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
 
@@ -37,8 +38,13 @@ ApplicationWindow {
             clock: window.clock
             brand: window.brand
         }
-        sessions: SessionsPage {
+        sessions: SessionManagerView {
             flow: window.flow
+            engine: window.engine
+            toasts: window.toasts
+            store: window.store
+            brand: window.brand
+            clock: window.clock
         }
         workspace: WorkspacePage {
             flow: window.flow

@@ -1,0 +1,159 @@
+// The project library page on a large library: from the moment the flow enters `sessions`
+// to the first frame that shows the page filled with its rows, for 5,000 projects and for 50.
+// Each entry makes a new page that lists the folder from scratch, as the application does.
+// Prints the first entry and the median and maximum of the next ones.
+// Run: QT_QPA_PLATFORM=offscreen build/bench/bench_librarypage [runs]
+#include "appflowstate.h"
+#include "benchsupport.h"
+#include "brandassets.h"
+#include "displayclock.h"
+#include "formatters.h"
+#include "screenmanager.h"
+#include "sessionstore.h"
+#include "systemclock.h"
+#include "timerengine.h"
+#include "toastcenter.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlEngineExtensionPlugin>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+Q_IMPORT_QML_PLUGIN(KaironPlugin)
+
+namespace {
+
+TimerSession projectOf(int number)
+{
+    TimerSession s;
+    s.name = QStringLiteral("Convention annuelle des partenaires — édition %1").arg(number);
+    s.client = QStringLiteral("Entreprise X");
+    s.venue = QStringLiteral("Palais des Congrès de Lyon");
+    s.operatorName = QStringLiteral("Max");
+    s.eventDate = QDateTime(QDate(2026, 12, 1), QTime(19, 0), Qt::UTC);
+    for (int i = 0; i < 8; ++i) {
+        Cue cue;
+        cue.name = QStringLiteral("Intervention %1").arg(i + 1);
+        cue.speaker = QStringLiteral("Orateur %1").arg(i + 1);
+        cue.duration = 600 + 60 * i;
+        s.cues << cue;
+    }
+    return s;
+}
+
+QQuickItem *findItem(QQuickItem *from, const QString &name)
+{
+    for (QQuickItem *child : from->childItems()) {
+        if (child->objectName() == name)
+            return child;
+        if (QQuickItem *found = findItem(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+bool hasRows(QQuickItem *list)
+{
+    const auto *content = list->property("contentItem").value<QQuickItem *>();
+    for (QQuickItem *row : content->childItems())
+        if (row->objectName().startsWith(QStringLiteral("projectRow:")))
+            return true;
+    return false;
+}
+
+struct Figures {
+    double first = 0;
+    double median = 0;
+    double max = 0;
+};
+
+// Enters the library `runs` times from the console and times each first filled frame.
+Figures measure(AppFlowState &flow, QQuickWindow *window, int projects, int runs)
+{
+    std::vector<double> ms;
+    for (int run = 0; run <= runs; ++run) {
+        flow.setStage(AppFlowState::Workspace);
+        if (!QTest::qWaitFor([&] { return !findItem(window->contentItem(), "sessionManagerView"); }, 5000))
+            qFatal("the library page did not go");
+        QElapsedTimer timer;
+        bool filled = false;
+        double elapsed = -1;
+        auto connection = QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] {
+            if (elapsed < 0 && filled)
+                elapsed = timer.nsecsElapsed() / 1e6;
+        });
+        timer.start();
+        flow.setStage(AppFlowState::Sessions);
+        QQuickItem *list = findItem(window->contentItem(), "projectList");
+        filled = list && list->property("count").toInt() == projects && hasRows(list);
+        if (!filled)
+            qFatal("the page did not list %d projects", projects);
+        if (!QTest::qWaitFor([&] { return elapsed >= 0; }, 10000))
+            qFatal("no frame");
+        QObject::disconnect(connection);
+        ms.push_back(elapsed);
+    }
+    Figures f;
+    f.first = ms.front();
+    ms.erase(ms.begin());
+    std::sort(ms.begin(), ms.end());
+    f.median = ms[ms.size() / 2];
+    f.max = ms.back();
+    return f;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    const int runs = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : 10;
+    QTemporaryDir home;
+    qputenv("HOME", home.path().toUtf8());
+    Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
+    SystemClock clock;
+    SilentPlayer sound;
+    TimerEngine engine(clock, sound);
+    DisplayClock displayClock(clock);
+    ScreenManager screens(clock);
+    AppFlowState flow;
+    BrandAssets brand(QUrl{});
+    ToastCenter toasts(clock);
+    SessionStore store(clock);
+
+    QQmlApplicationEngine qml;
+    qml.addImportPath(QStringLiteral("qrc:/"));
+    qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
+                              {"displayClock", QVariant::fromValue(&displayClock)},
+                              {"flow", QVariant::fromValue(&flow)},
+                              {"brand", QVariant::fromValue(&brand)},
+                              {"toasts", QVariant::fromValue(&toasts)},
+                              {"store", QVariant::fromValue(&store)},
+                              {"screens", QVariant::fromValue(&screens)}});
+    qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
+    if (qml.rootObjects().isEmpty())
+        return 1;
+    auto *window = qml.rootObjects().first()->property("operatorWindow").value<QQuickWindow *>();
+    if (!QTest::qWaitForWindowExposed(window))
+        qFatal("no window");
+
+    int saved = 0;
+    for (const int projects : {50, 5000}) {
+        for (; saved < projects; ++saved)
+            store.save(projectOf(saved));
+        const Figures f = measure(flow, window, projects, runs);
+        std::printf("%d projects: entering the library to its first filled frame: first %.1f ms, "
+                    "then median %.1f ms, max %.1f ms (%d runs)\n",
+                    projects, f.first, f.median, f.max, runs);
+    }
+    return 0;
+}

@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Controls
+import Kairon
+
+// A labelled text field of the project sheet; the label is shown in capitals.
+Column {
+    id: block
+
+    required property string label
+    required property string fieldName // the field's objectName
+    property string value: ""
+    property string placeholder: ""
+    readonly property alias field: input
+    signal edited(string text)
+    signal submitted
+
+    spacing: 6
+
+    Text {
+        objectName: block.fieldName + "Label"
+        text: block.label
+        color: AppTheme.textSecondary
+        font.family: AppTheme.textFont
+        font.weight: Font.DemiBold
+        font.pixelSize: 11
+        font.letterSpacing: 0.8
+        font.capitalization: Font.AllUppercase
+    }
+
+    TextField {
+        id: input
+        objectName: block.fieldName
+        width: block.width
+        implicitHeight: 36
+        text: block.value
+        placeholderText: block.placeholder
+        placeholderTextColor: AppTheme.textMuted
+        color: AppTheme.textPrimary
+        selectionColor: AppTheme.accent
+        selectedTextColor: "white"
+        font.family: AppTheme.textFont
+        font.pixelSize: 14
+        leftPadding: 12
+        rightPadding: 12
+        background: Rectangle {
+            radius: 8
+            color: AppTheme.bgInput
+            border.width: 1
+            border.color: input.activeFocus ? AppTheme.accent : AppTheme.separator
+        }
+        onTextEdited: block.edited(text)
+        onAccepted: block.submitted()
+    }
+}
