@@ -97,6 +97,100 @@ private slots:
         QCOMPARE(f.in(row, "openProject")->property("text").toString(), QStringLiteral("Ouvrir"));
     }
 
+    void twelveProjectsWithLongNamesStayInsideTheirRows_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("1150x750") << QSize(1150, 750);
+        QTest::newRow("1920x1080") << QSize(1920, 1080);
+    }
+
+    void twelveProjectsWithLongNamesStayInsideTheirRows()
+    {
+        QFETCH(QSize, size);
+        LibraryFixture f;
+        const QStringList names{
+            "Gala annuel des partenaires et des collaborateurs de la région Auvergne-Rhône-Alpes 2026",
+            "Convention nationale des distributeurs — plénière d'ouverture et remise des trophées",
+            "Table ronde : l'intelligence artificielle au service de la culture",
+            "Soirée de clôture", "Keynote produit", "Assemblée générale", "Festival des lumières",
+            "Conférence de presse", "Séminaire direction", "Remise des diplômes",
+            "Lancement de la saison", "Répétition générale"};
+        for (int i = 0; i < names.size(); ++i) {
+            TimerSession s = show(names[i]);
+            s.client = QStringLiteral("Entreprise X, direction de la communication et des événements");
+            s.venue = QStringLiteral("Palais des Congrès de Lyon, amphithéâtre Pasteur");
+            s.eventDate = QDateTime(QDate(2026, 11, 15 + i % 10), QTime(18, 0), Qt::UTC);
+            s.operatorName = QStringLiteral("Max");
+            for (int c = 0; c < 3 + i; ++c)
+                s.cues << durationCue(QStringLiteral("Cue %1").arg(c + 1), 600 + 60 * c);
+            f.saveShow(s, i);
+        }
+        f.writeFile(QStringLiteral("Ancien projet récupéré sur la clé USB du régisseur.orvprjct"), "{", 20);
+        f.resize(size.width(), size.height());
+        f.enter();
+        QCOMPARE(f.text("projectCount"), QStringLiteral("13 projets — format .orvprjct"));
+        QQuickItem *first = f.row(names[0]);
+        QVERIFY(first);
+        for (const char *line : {"projectName", "projectDetail"}) {
+            QQuickItem *text = f.in(first, line);
+            QVERIFY(text->property("paintedWidth").toDouble() <= text->width() + 0.5);
+        }
+        QCOMPARE(f.in(first, "projectDetail")->property("text").toString(),
+                 QStringLiteral("Entreprise X, direction de la communication et des événements · Palais "
+                                "des Congrès de Lyon, amphithéâtre Pasteur · 15 nov. 2026 · régie : Max · "
+                                "3 cues · 33:00"));
+        // Every row, its buttons included, inside the window.
+        const QRectF row = first->mapRectToScene(QRectF(0, 0, first->width(), first->height()));
+        QVERIFY(row.left() >= 0 && row.right() <= size.width());
+        QQuickItem *menu = f.in(first, "projectMenuButton");
+        QVERIFY(menu->mapRectToScene(QRectF(0, 0, menu->width(), menu->height())).right() < row.right());
+        const QString tag = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+        keepScreenshot(f.grab(), QStringLiteral("library-12-projects-") + tag);
+
+        f.click(menu);
+        QTRY_VERIFY(f.item("menuItem:Supprimer…"));
+        QStringList entries;
+        for (const QString &entry : {"Modifier la fiche…", "Renommer", "Dupliquer", "Exporter…", "Supprimer…"}) {
+            QQuickItem *item = f.item(QStringLiteral("menuItem:") + entry);
+            QVERIFY2(item, qPrintable(entry));
+            entries << entry;
+        }
+        // In that order, top to bottom.
+        for (int i = 1; i < entries.size(); ++i)
+            QVERIFY(f.item("menuItem:" + entries[i])->mapToScene({0, 0}).y()
+                    > f.item("menuItem:" + entries[i - 1])->mapToScene({0, 0}).y());
+        keepScreenshot(f.grab(), QStringLiteral("library-row-menu-") + tag);
+        f.key(Qt::Key_Escape);
+        QTRY_VERIFY(!f.item("menuItem:Renommer"));
+    }
+
+    void aLargeLibraryIsListedWholeAndInOrder()
+    {
+        LibraryFixture f;
+        QStringList expected;
+        for (int i = 0; i < 150; ++i) {
+            const QString name = QStringLiteral("Projet %1").arg(i, 3, 10, QChar(u'0'));
+            if (i % 50 == 7)
+                f.writeFile(name + QStringLiteral(".orvprjct"), "{", i);
+            else
+                f.saveShow(name, i, i % 4);
+            expected << name;
+        }
+        f.enter();
+        QCOMPARE(f.text("projectCount"), QStringLiteral("150 projets — format .orvprjct"));
+        QCOMPARE(f.listedNames(), expected);
+        const QList<ProjectMeta> entries = f.library()->projects()->entries();
+        QCOMPARE(entries[7].detail, QStringLiteral("fichier illisible"));
+        QCOMPARE(entries[57].detail, QStringLiteral("fichier illisible"));
+        QCOMPARE(entries[6].detail, QStringLiteral("2 cues · 20:00"));
+        QCOMPARE(entries[149].detail, QStringLiteral("1 cue · 10:00"));
+        // Listed again after a change, the unchanged entries stay as they were.
+        f.chooseInMenu(QStringLiteral("Projet 000"), QStringLiteral("Dupliquer"));
+        QCOMPARE(f.listedNames().size(), 151);
+        QCOMPARE(f.listedNames().first(), QStringLiteral("Projet 000 copie"));
+        QCOMPARE(f.library()->projects()->entries().mid(1), entries);
+    }
+
     void ouvrirLoadsTheProjectAndGoesToTheConsole()
     {
         LibraryFixture f;

@@ -56,13 +56,17 @@ Item {
             border.width: 1
             border.color: picker.visible || dateButton.visualFocus ? AppTheme.accent : AppTheme.separator
         }
-        onClicked: picker.open()
+        onClicked: {
+            // Under the date when the calendar fits there, else above it.
+            const below = dateButton.Window.height - dateButton.mapToItem(null, 0, dateButton.height).y;
+            picker.y = below >= picker.height + 18 ? dateButton.height + 6 : -picker.height - 6;
+            picker.open();
+        }
 
         DatePickerPopup {
             id: picker
             form: block.form
             x: dateButton.width - width
-            y: dateButton.height + 6
         }
     }
 }

@@ -3,8 +3,8 @@ import QtQuick.Controls
 import Kairon
 
 // One project of the library: its icon, its name over its detail line, "Ouvrir" and the button
-// of the menu of what else can be done to it. The name turns into a text field while it is renamed.
-// A double click opens the project, as "Ouvrir" does.
+// of the menu of what else can be done to it. The name turns into a text field while it is
+// renamed. A double click opens the project, as "Ouvrir" does.
 Rectangle {
     id: row
 
@@ -88,7 +88,7 @@ Rectangle {
             color: AppTheme.textSecondary
             font.family: AppTheme.textFont
             font.pixelSize: 13
-            elide: Text.ElideRight
+            elide: Text.ElideMiddle // the cue count and the total duration stay in sight
         }
     }
 

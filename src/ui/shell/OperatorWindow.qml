@@ -21,6 +21,27 @@ ApplicationWindow {
     width: 1150
     height: 750
     color: AppTheme.bgDeep
+    // The controls drawn by Qt itself (the file dialogs) in the interface's dark colours.
+    palette {
+        window: AppTheme.bgPanel
+        windowText: AppTheme.textPrimary
+        base: AppTheme.bgInput
+        alternateBase: AppTheme.bgElevated
+        text: AppTheme.textPrimary
+        button: AppTheme.bgElevated
+        buttonText: AppTheme.textPrimary
+        brightText: "white"
+        highlight: AppTheme.accent
+        highlightedText: "white"
+        placeholderText: AppTheme.textMuted
+        light: AppTheme.bgInput
+        midlight: AppTheme.bgElevated
+        mid: AppTheme.bgDeep
+        dark: AppTheme.bgDeep
+        shadow: "black"
+        toolTipBase: AppTheme.bgElevated
+        toolTipText: AppTheme.textPrimary
+    }
 
     menuBar: AppMenuBar {
         table: window.commandTable
