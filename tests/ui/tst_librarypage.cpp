@@ -279,6 +279,7 @@ private slots:
         f.key(Qt::Key_Return);
         QTRY_VERIFY(!f.item("renameField"));
         QCOMPARE(f.listedNames(), QStringList{"Gala 2027"});
+        QCOMPARE(f.app.flow.stage(), AppFlowState::Sessions); // Return renamed, and only that
         QCOMPARE(f.app.store.read(path)->name, QStringLiteral("Gala 2027"));
         QCOMPARE(f.app.store.read(path)->updatedAt, f.app.clock.now());
         QCOMPARE(QDir(f.folder()).entryList(QDir::Files), QStringList{QFileInfo(path).fileName()});

@@ -171,6 +171,17 @@ private slots:
         QCOMPARE(cue.overtime, std::nullopt);
     }
 
+    void returnInAFieldConfirmsOnce()
+    {
+        LibraryFixture f;
+        openForCreation(f);
+        QSignalSpy created(sheet(f), SIGNAL(created(QVariant)));
+        f.type(QStringLiteral("Gala"));
+        f.key(Qt::Key_Return);
+        QCOMPARE(created.count(), 1);
+        QCOMPARE(f.app.store.listProjects().size(), 1);
+    }
+
     void withoutTheFirstCueOrTheDateTheShowIsEmptyAndUndated()
     {
         LibraryFixture f;

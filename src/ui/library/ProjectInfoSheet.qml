@@ -23,7 +23,7 @@ Popup {
         open();
     }
     function confirm() {
-        if (!sheetForm.canSave)
+        if (!sheetForm.canSave || !opened)
             return;
         const session = sheetForm.result();
         const editing = sheetForm.editing;

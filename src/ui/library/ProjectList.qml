@@ -57,8 +57,8 @@ ListView {
         library: list.library
     }
 
-    Keys.onReturnPressed: library.open(currentPath())
-    Keys.onEnterPressed: library.open(currentPath())
+    Keys.onReturnPressed: if (currentIndex >= 0) library.open(currentPath())
+    Keys.onEnterPressed: if (currentIndex >= 0) library.open(currentPath())
     Keys.onPressed: event => {
         if (currentIndex < 0)
             return;

@@ -29,13 +29,16 @@ TextField {
         border.color: AppTheme.accent
     }
 
-    onActiveChanged: {
-        if (!active)
-            return;
+    function begin() {
         text = initialText;
         selectAll();
         forceActiveFocus();
     }
-    onAccepted: field.submitted(text)
+
+    onActiveChanged: if (active) begin()
+    Component.onCompleted: if (active) begin() // a row made again while its name is edited
+    // Taken here, so that Return does not go on to the list, where it opens the project.
+    Keys.onReturnPressed: field.submitted(text)
+    Keys.onEnterPressed: field.submitted(text)
     Keys.onEscapePressed: field.cancelled()
 }

@@ -49,6 +49,8 @@ Column {
             border.color: input.activeFocus ? AppTheme.accent : AppTheme.separator
         }
         onTextEdited: block.edited(text)
-        onAccepted: block.submitted()
+        // Taken here, so that the sheet sees Return once.
+        Keys.onReturnPressed: block.submitted()
+        Keys.onEnterPressed: block.submitted()
     }
 }
