@@ -3,32 +3,14 @@
 // Each entry makes a new page that lists the folder from scratch, as the application does.
 // Prints the first entry and the median and maximum of the next ones.
 // Run: QT_QPA_PLATFORM=offscreen build/bench/bench_librarypage [runs]
-#include "appflowstate.h"
-#include "benchsupport.h"
-#include "brandassets.h"
-#include "displayclock.h"
-#include "formatters.h"
-#include "screenmanager.h"
-#include "sessionstore.h"
-#include "systemclock.h"
-#include "timerengine.h"
-#include "toastcenter.h"
+#include "appfixture.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
-#include <QQmlEngineExtensionPlugin>
-#include <QQuickItem>
-#include <QQuickWindow>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
 #include <vector>
-
-Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
 namespace {
 
@@ -48,17 +30,6 @@ TimerSession projectOf(int number)
         s.cues << cue;
     }
     return s;
-}
-
-QQuickItem *findItem(QQuickItem *from, const QString &name)
-{
-    for (QQuickItem *child : from->childItems()) {
-        if (child->objectName() == name)
-            return child;
-        if (QQuickItem *found = findItem(child, name))
-            return found;
-    }
-    return nullptr;
 }
 
 bool hasRows(QQuickItem *list)
@@ -82,13 +53,13 @@ Figures measure(AppFlowState &flow, QQuickWindow *window, int projects, int runs
     std::vector<double> ms;
     for (int run = 0; run <= runs; ++run) {
         flow.setStage(AppFlowState::Workspace);
-        if (!QTest::qWaitFor([&] { return !findItem(window->contentItem(), "sessionManagerView"); }, 5000))
+        if (!QTest::qWaitFor([&] { return !findQuickItem(window->contentItem(), "sessionManagerView"); }, 5000))
             qFatal("the library page did not go");
         QElapsedTimer timer;
         double elapsed = -1;
         // The first frame swapped with the rows of the listing laid out.
         auto connection = QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] {
-            QQuickItem *list = findItem(window->contentItem(), "projectList");
+            QQuickItem *list = findQuickItem(window->contentItem(), "projectList");
             if (elapsed < 0 && list && list->property("count").toInt() == projects && hasRows(list))
                 elapsed = timer.nsecsElapsed() / 1e6;
         });
@@ -114,43 +85,16 @@ int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
     const int runs = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : 10;
-    QTemporaryDir home;
-    qputenv("HOME", home.path().toUtf8());
-    Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
-    SystemClock clock;
-    SilentPlayer sound;
-    TimerEngine engine(clock, sound);
-    DisplayClock displayClock(clock);
-    ScreenManager screens(clock);
-    AppFlowState flow;
-    BrandAssets brand(QUrl{});
-    ToastCenter toasts(clock);
-    SessionStore store(clock);
-
-    QQmlApplicationEngine qml;
-    qml.addImportPath(QStringLiteral("qrc:/"));
-    qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
-                              {"displayClock", QVariant::fromValue(&displayClock)},
-                              {"flow", QVariant::fromValue(&flow)},
-                              {"brand", QVariant::fromValue(&brand)},
-                              {"toasts", QVariant::fromValue(&toasts)},
-                              {"store", QVariant::fromValue(&store)},
-                              {"screens", QVariant::fromValue(&screens)}});
-    qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
-    if (qml.rootObjects().isEmpty())
-        return 1;
-    auto *window = qml.rootObjects().first()->property("operatorWindow").value<QQuickWindow *>();
-    if (!QTest::qWaitForWindowExposed(window))
-        qFatal("no window");
+    AppFixture f; // the whole application in a temporary home; the clock plays no part here
 
     int saved = 0;
     for (const int projects : {50, 5000}) {
         for (; saved < projects; ++saved)
-            store.save(projectOf(saved));
-        const Figures f = measure(flow, window, projects, runs);
+            f.store.save(projectOf(saved));
+        const Figures figures = measure(f.flow, f.operatorWindow, projects, runs);
         std::printf("%d projects: entering the library to its first filled frame: first %.1f ms, "
                     "then median %.1f ms, max %.1f ms (%d runs)\n",
-                    projects, f.first, f.median, f.max, runs);
+                    projects, figures.first, figures.median, figures.max, runs);
     }
     return 0;
 }

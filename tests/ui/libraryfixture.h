@@ -58,6 +58,22 @@ struct LibraryFixture {
                          QFileDevice::FileModificationTime);
     }
 
+    // A show named `name`, dated like the tests' shows and not yet saved.
+    static TimerSession showNamed(const QString &name)
+    {
+        TimerSession s(QDateTime(QDate(2026, 3, 1), QTime(9, 0), Qt::UTC));
+        s.name = name;
+        return s;
+    }
+
+    // The library holding one show named `name`, shown; returns its file.
+    QString enterWith(const QString &name)
+    {
+        const QString path = saveShow(name);
+        enter();
+        return path;
+    }
+
     // Moves the flow to the library and waits until the page is fully shown.
     void enter()
     {
@@ -98,7 +114,13 @@ struct LibraryFixture {
             qFatal("no dialog %s on the library page", name);
         return found;
     }
-    bool sheetOpen() const { return dialog("projectSheet")->property("visible").toBool(); }
+    // The project sheet is made when first opened.
+    bool sheetOpen() const
+    {
+        QQuickItem *view = findQuickItem(window()->contentItem(), QStringLiteral("sessionManagerView"));
+        QObject *sheet = view ? view->findChild<QObject *>(QStringLiteral("projectSheet")) : nullptr;
+        return sheet && sheet->property("visible").toBool();
+    }
     // The names of the rows, in the list's order.
     QStringList listedNames() const
     {

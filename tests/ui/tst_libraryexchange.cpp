@@ -12,13 +12,6 @@ class TestLibraryExchange : public QObject
     Q_OBJECT
 
 private:
-    static TimerSession show(const QString &name)
-    {
-        TimerSession s(QDateTime(QDate(2026, 3, 1), QTime(9, 0), Qt::UTC));
-        s.name = name;
-        return s;
-    }
-
     // Picks `file` in a file dialog that is open, as a person does: goes to its folder, clicks
     // the file to open or types the name to save under, and clicks the accept button.
     static void pick(const LibraryFixture &f, QObject *dialog, const QString &file)
@@ -103,7 +96,7 @@ private slots:
         keepScreenshot(f.grab(), QStringLiteral("library-import-dialog-1150x750"));
 
         QTemporaryDir elsewhere;
-        TimerSession gala = show(QStringLiteral("Gala venu d'ailleurs"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala venu d'ailleurs"));
         gala.cues = {durationCue("Ouverture", 600)};
         const QString file = elsewhere.filePath(QStringLiteral("gala.json"));
         QFile out(file);
@@ -121,7 +114,7 @@ private slots:
     void anImportedProjectReplacesTheOneWithItsId()
     {
         LibraryFixture f;
-        TimerSession gala = show(QStringLiteral("Gala"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala"));
         f.saveShow(gala, 30);
         f.saveShow(QStringLiteral("Autre"), 10);
         f.enter();
@@ -141,8 +134,7 @@ private slots:
     void cancellingOrPickingAnUnreadableFileChangesNothing()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         QObject *dialog = f.dialog("importDialog");
         f.click(f.item("importButton"));
         QTRY_VERIFY(dialog->property("visible").toBool());
@@ -170,7 +162,7 @@ private slots:
     void exportingProposesTheNameWithoutSlashesOrColons()
     {
         LibraryFixture f;
-        const TimerSession gala = show(QStringLiteral("Gala 12/03 20:00"));
+        const TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala 12/03 20:00"));
         f.saveShow(gala);
         f.enter();
         f.chooseInMenu(QStringLiteral("Gala 12/03 20:00"), QStringLiteral("Exporter…"));
@@ -202,8 +194,7 @@ private slots:
     void cancellingTheExportWritesNothingAndSaysNothing()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         f.chooseInMenu(QStringLiteral("Gala"), QStringLiteral("Exporter…"));
         QObject *dialog = f.dialog("exportDialog");
         QTRY_VERIFY(dialog->property("visible").toBool());
@@ -265,10 +256,10 @@ private slots:
     void editingTheSheetSavesInPlaceWithoutTouchingTheEngine()
     {
         LibraryFixture f;
-        TimerSession gala = show(QStringLiteral("Gala"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala"));
         gala.client = QStringLiteral("Entreprise X");
         const QString path = f.saveShow(gala);
-        f.app.engine.loadSession(show(QStringLiteral("Ouvert ailleurs")));
+        f.app.engine.loadSession(LibraryFixture::showNamed(QStringLiteral("Ouvert ailleurs")));
         f.enter();
         f.chooseInMenu(QStringLiteral("Gala"), QStringLiteral("Modifier la fiche…"));
         QTRY_VERIFY(f.sheetOpen());
@@ -299,8 +290,7 @@ private slots:
     void anEditThatCannotBeSavedSaysWhy()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         f.chooseInMenu(QStringLiteral("Gala"), QStringLiteral("Modifier la fiche…"));
         QTRY_VERIFY(f.item("sheetConfirm"));
         blockTheFolder(f);

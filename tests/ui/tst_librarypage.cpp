@@ -12,13 +12,6 @@ class TestLibraryPage : public QObject
     Q_OBJECT
 
 private:
-    static TimerSession show(const QString &name)
-    {
-        TimerSession s(QDateTime(QDate(2026, 3, 1), QTime(9, 0), Qt::UTC));
-        s.name = name;
-        return s;
-    }
-
     static void expectToast(const LibraryFixture &f, ToastMessage::Kind kind, const QString &text)
     {
         QVERIFY(f.app.toasts.current().has_value());
@@ -78,12 +71,12 @@ private slots:
     void rowsShowNameAndDetailNewestFirst()
     {
         LibraryFixture f;
-        TimerSession gala = show(QStringLiteral("Gala des lumières"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala des lumières"));
         gala.client = QStringLiteral("Entreprise X");
         gala.operatorName = QStringLiteral("Max");
         gala.cues = {durationCue("Ouverture", 600), durationCue("Keynote", 1200)};
         f.saveShow(gala, 10);
-        f.saveShow(show(QStringLiteral("Table ronde")), 5);
+        f.saveShow(LibraryFixture::showNamed(QStringLiteral("Table ronde")), 5);
         f.enter();
         QCOMPARE(f.listedNames(), (QStringList{"Table ronde", "Gala des lumières"}));
         QQuickItem *row = f.row(QStringLiteral("Gala des lumières"));
@@ -116,7 +109,7 @@ private slots:
             "Conférence de presse", "Séminaire direction", "Remise des diplômes",
             "Lancement de la saison", "Répétition générale"};
         for (int i = 0; i < names.size(); ++i) {
-            TimerSession s = show(names[i]);
+            TimerSession s = LibraryFixture::showNamed(names[i]);
             s.client = QStringLiteral("Entreprise X, direction de la communication et des événements");
             s.venue = QStringLiteral("Palais des Congrès de Lyon, amphithéâtre Pasteur");
             s.eventDate = QDateTime(QDate(2026, 11, 15 + i % 10), QTime(18, 0), Qt::UTC);
@@ -150,7 +143,7 @@ private slots:
         f.click(menu);
         QTRY_VERIFY(f.item("menuItem:Supprimer…"));
         QStringList entries;
-        for (const QString &entry : {"Modifier la fiche…", "Renommer", "Dupliquer", "Exporter…", "Supprimer…"}) {
+        for (const QString entry : {"Modifier la fiche…", "Renommer", "Dupliquer", "Exporter…", "Supprimer…"}) {
             QQuickItem *item = f.item(QStringLiteral("menuItem:") + entry);
             QVERIFY2(item, qPrintable(entry));
             entries << entry;
@@ -194,7 +187,7 @@ private slots:
     void ouvrirLoadsTheProjectAndGoesToTheConsole()
     {
         LibraryFixture f;
-        TimerSession gala = show(QStringLiteral("Gala"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala"));
         gala.cues = {durationCue("Ouverture", 600)};
         f.saveShow(gala);
         f.enter();
@@ -209,8 +202,7 @@ private slots:
     void aDoubleClickOnARowOpensIt()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         f.doubleClick(f.in(f.row("Gala"), "projectDetail"));
         QCOMPARE(f.app.engine.sessionName(), QStringLiteral("Gala"));
         QCOMPARE(f.app.flow.stage(), AppFlowState::Workspace);
@@ -267,8 +259,7 @@ private slots:
     void renamingTrimsTheBlanksAndKeepsTheFile()
     {
         LibraryFixture f;
-        const QString path = f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        const QString path = f.enterWith(QStringLiteral("Gala"));
         f.chooseInMenu(QStringLiteral("Gala"), QStringLiteral("Renommer"));
         QTRY_VERIFY(f.item("renameField"));
         QQuickItem *field = f.item("renameField");
@@ -309,8 +300,7 @@ private slots:
     void escapeLeavesTheRenamingUntouched()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         f.key(Qt::Key_F2);
         QTRY_VERIFY(f.item("renameField"));
         QTRY_VERIFY(f.item("renameField")->hasActiveFocus());
@@ -324,7 +314,7 @@ private slots:
     void renamingAHandCopiedFileLeavesOnlyTheFileNamedAfterItsId()
     {
         LibraryFixture f;
-        TimerSession gala = show(QStringLiteral("Gala"));
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala"));
         const QString copied = f.writeFile(QStringLiteral("copie de gala.orvprjct"),
                                            ProjectDocument::encode(gala).value());
         f.enter();
@@ -373,8 +363,7 @@ private slots:
     void deletingAsksFirstAndMovesTheFileToTheTrash()
     {
         LibraryFixture f;
-        const QString path = f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        const QString path = f.enterWith(QStringLiteral("Gala"));
         f.chooseInMenu(QStringLiteral("Gala"), QStringLiteral("Supprimer…"));
         QTRY_VERIFY(f.item("deleteTitle"));
         QCOMPARE(f.text("deleteTitle"), QStringLiteral("Supprimer ce projet ?"));
@@ -407,8 +396,7 @@ private slots:
     void aFailedDeletionSaysWhy()
     {
         LibraryFixture f;
-        const QString path = f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        const QString path = f.enterWith(QStringLiteral("Gala"));
         f.key(Qt::Key_Delete);
         QTRY_VERIFY(f.item("confirmDelete"));
         QFile::remove(path); // gone meanwhile, by another hand
@@ -423,8 +411,7 @@ private slots:
     void aFileCopiedInByHandAppearsWhileThePageShows()
     {
         LibraryFixture f;
-        f.saveShow(QStringLiteral("Gala"));
-        f.enter();
+        f.enterWith(QStringLiteral("Gala"));
         QCOMPARE(f.listedNames(), QStringList{"Gala"});
         QVERIFY(QFile::copy(QStringLiteral(KAIRON_TEST_DATA "/show-every-field.orvprjct"),
                             f.folder() + "/apporté.orvprjct"));

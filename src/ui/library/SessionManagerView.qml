@@ -16,6 +16,14 @@ Rectangle {
     required property BrandAssets brand
     required property DisplayClock clock
 
+    // The project sheet, made when first asked for: the page shows sooner without it.
+    property ProjectInfoSheet sheet: null
+    function projectSheet() {
+        if (!sheet)
+            sheet = sheetComponent.createObject(root);
+        return sheet;
+    }
+
     objectName: "sessionManagerView"
     color: AppTheme.bgMain
 
@@ -26,7 +34,7 @@ Rectangle {
         engine: root.engine
         flow: root.flow
         toasts: root.toasts
-        onEditRequested: session => sheet.openForEditing(session)
+        onEditRequested: session => root.projectSheet().openForEditing(session)
         onExportRequested: proposedFile => {
             exportDialog.currentFolder = library.documentsFolder;
             exportDialog.selectedFile = proposedFile;
@@ -49,7 +57,7 @@ Rectangle {
             brand: root.brand
             countText: library.countText
             onImportClicked: importDialog.open()
-            onNewProjectClicked: sheet.openForCreation()
+            onNewProjectClicked: root.projectSheet().openForCreation()
         }
 
         Rectangle {
@@ -81,17 +89,19 @@ Rectangle {
             objectName: "emptyState"
             anchors.centerIn: list
             visible: list.count === 0
-            onCreateClicked: sheet.openForCreation()
+            onCreateClicked: root.projectSheet().openForCreation()
         }
     }
 
-    ProjectInfoSheet {
-        id: sheet
-        clock: root.clock
-        brand: root.brand
-        onCreated: session => library.create(session)
-        onEdited: session => library.saveEdited(session)
-        onClosed: list.forceActiveFocus()
+    Component {
+        id: sheetComponent
+        ProjectInfoSheet {
+            clock: root.clock
+            brand: root.brand
+            onCreated: session => library.create(session)
+            onEdited: session => library.saveEdited(session)
+            onClosed: list.forceActiveFocus()
+        }
     }
 
     DeleteProjectDialog {
