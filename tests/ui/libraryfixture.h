@@ -154,6 +154,14 @@ struct LibraryFixture {
             QTest::sendKeyEvent(QTest::Click, window(), c == u' ' ? Qt::Key_Space : Qt::Key_unknown,
                                 QString(c), Qt::NoModifier);
     }
+    // F2 on the current row; waits until its name editor has the keyboard.
+    void renameFromKeyboard() const
+    {
+        key(Qt::Key_F2);
+        QTRY_VERIFY(item(QStringLiteral("renameField")));
+        QTRY_VERIFY(item(QStringLiteral("renameField"))->hasActiveFocus());
+    }
+
     // Chooses `entry` in the menu of the row showing `name`.
     void chooseInMenu(const QString &name, const QString &entry) const
     {

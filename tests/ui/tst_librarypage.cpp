@@ -284,9 +284,7 @@ private slots:
         const QString path = f.saveShow(QStringLiteral("Gala"));
         const QByteArray before = ProjectDocument::encode(f.app.store.read(path).value()).value();
         f.enter();
-        f.key(Qt::Key_F2); // the current row, from the keyboard
-        QTRY_VERIFY(f.item("renameField"));
-        QTRY_VERIFY(f.item("renameField")->hasActiveFocus());
+        f.renameFromKeyboard(); // the current row
         f.type(QStringLiteral("   "));
         f.key(Qt::Key_Return);
         QTRY_VERIFY(!f.item("renameField"));
@@ -301,9 +299,7 @@ private slots:
     {
         LibraryFixture f;
         f.enterWith(QStringLiteral("Gala"));
-        f.key(Qt::Key_F2);
-        QTRY_VERIFY(f.item("renameField"));
-        QTRY_VERIFY(f.item("renameField")->hasActiveFocus());
+        f.renameFromKeyboard();
         f.type(QStringLiteral("Autre"));
         f.key(Qt::Key_Escape);
         QTRY_VERIFY(!f.item("renameField"));
@@ -318,9 +314,7 @@ private slots:
         const QString copied = f.writeFile(QStringLiteral("copie de gala.orvprjct"),
                                            ProjectDocument::encode(gala).value());
         f.enter();
-        f.key(Qt::Key_F2);
-        QTRY_VERIFY(f.item("renameField"));
-        QTRY_VERIFY(f.item("renameField")->hasActiveFocus());
+        f.renameFromKeyboard();
         f.type(QStringLiteral("Gala final"));
         f.key(Qt::Key_Return);
         QTRY_COMPARE(f.listedNames(), QStringList{"Gala final"});
