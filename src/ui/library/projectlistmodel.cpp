@@ -6,10 +6,10 @@ namespace {
 
 enum class Step { Remove, Move, Insert };
 
-// What turns the current rows into the next ones, one row at a time: the rows that are gone
-// are removed, then each position takes the project it shows next, moved up from further down
-// or inserted. Each step is announced through `step` and applied to `paths`. Stops after
-// `limit` steps; returns whether every step fitted within it.
+// What turns the rows `paths` into `next`, one row at a time: the rows that are gone are
+// removed, then each position takes the project it shows next, moved up from further down or
+// inserted. Each step is announced through `step`, in the order it applies to the rows as they
+// are at that moment. Stops after `limit` steps; returns whether every step fitted within it.
 template <typename OnStep>
 bool walkSteps(QStringList paths, const QStringList &next, int limit, OnStep step)
 {
