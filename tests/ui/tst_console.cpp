@@ -325,6 +325,24 @@ private slots:
         QCOMPARE(c.engine.session().cues.size(), 3);
     }
 
+    // Without the mouse: Tab walks from the cue list through the controls to the message field.
+    void tabReachesEveryControl()
+    {
+        Console c({durationCue("Intro", 600), durationCue("Keynote", 900)});
+        c.click("cueName0");
+        QStringList reached;
+        for (int i = 0; i < 60 && !reached.contains("customMessage"); ++i) {
+            QTest::keyClick(c.operatorWindow, Qt::Key_Tab);
+            if (QQuickItem *focused = c.operatorWindow->activeFocusItem())
+                reached << focused->objectName();
+        }
+        for (const char *control : {"transportPlay", "toggleBlackout", "preset0", "customMessage"})
+            QVERIFY2(reached.contains(control), qPrintable(reached.join(", ")));
+        QTest::keyClick(c.operatorWindow, Qt::Key_Space); // a space in the field, not play
+        QVERIFY(!c.engine.isRunning());
+        QCOMPARE(c.text("customMessage"), QStringLiteral(" "));
+    }
+
     void aLockedShowHidesWhatTheEngineRefuses()
     {
         Console c({durationCue("Intro", 600), durationCue("Keynote", 900)});
