@@ -104,6 +104,32 @@ private slots:
         KAIRON_COMPARE_COLOUR(shot.pixelColor(box.left() + 6, box.center().y()), QColor(26, 26, 30));
     }
 
+    // In a window too short for the whole sheet the fields scroll under the buttons, which stay
+    // in view, and Tab brings each field it reaches into view.
+    void aShortWindowScrollsTheFields()
+    {
+        EditorFixture f(hardOutCue(), QSize(900, 480));
+        QVERIFY(f.open());
+        QQuickItem *sheet = f.editor->property("background").value<QQuickItem *>();
+        const QRect box = sceneRect(sheet);
+        QVERIFY(box.top() >= 16 && box.bottom() <= 480 - 16);
+        QVERIFY(box.contains(sceneRect(f.item("cueEditorSave"))));
+        QVERIFY(box.contains(sceneRect(f.item("cueEditorCancel"))));
+        QTRY_COMPARE(f.focusName(), QStringLiteral("cueNameField"));
+        for (int i = 0; i < 30 && f.focusName() != QStringLiteral("cueNotesField"); ++i)
+            QTest::keyClick(f.window.get(), Qt::Key_Tab);
+        QCOMPARE(f.focusName(), QStringLiteral("cueNotesField"));
+        f.window->grabWindow();
+        const QRect notes = sceneRect(f.item("cueNotesField"));
+        QVERIFY(notes.top() >= box.top() && notes.bottom() < sceneRect(f.item("cueEditorSave")).top());
+        keepScreenshot(f.window->grabWindow(), QStringLiteral("cueeditor-short-window"));
+        for (int i = 0; i < 30 && f.focusName() != QStringLiteral("cueNameField"); ++i)
+            QTest::keyClick(f.window.get(), Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(f.focusName(), QStringLiteral("cueNameField"));
+        f.window->grabWindow();
+        QVERIFY(sceneRect(f.item("cueNameField")).top() >= box.top());
+    }
+
     // Everything an operator does with the mouse and the keyboard reaches the cue that the
     // console receives on "Enregistrer", and the Space typed in a name stays in it.
     void editingWithMouseAndKeysGivesTheEditedCue()

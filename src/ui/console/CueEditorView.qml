@@ -69,6 +69,11 @@ Popup {
             anchors.right: parent.right
             anchors.bottom: buttons.top
             anchors.bottomMargin: 24
+            // Wider than the fields by the rings that swatches draw around themselves, so that
+            // scrolling never cuts a ring off at the sides.
+            anchors.leftMargin: -sideRoom
+            anchors.rightMargin: -sideRoom
+            readonly property int sideRoom: 10
             contentHeight: fields.implicitHeight
             clip: interactive
             interactive: contentHeight > height
@@ -77,9 +82,26 @@ Popup {
                 policy: scroller.interactive ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
             }
 
+            // Tab keeps the field it reaches in view.
+            readonly property Item focused: Window.activeFocusItem
+            onFocusedChanged: {
+                let inside = false;
+                for (let item = focused; item && !inside; item = item.parent)
+                    inside = item === fields;
+                if (!interactive || !inside)
+                    return;
+                const top = focused.mapToItem(fields, 0, 0).y;
+                const bottom = top + focused.height;
+                if (top < contentY)
+                    contentY = Math.max(0, top - 8);
+                else if (bottom > contentY + height)
+                    contentY = Math.min(contentHeight - height, bottom - height + 8);
+            }
+
             Column {
                 id: fields
-                width: scroller.width
+                x: scroller.sideRoom
+                width: scroller.width - 2 * scroller.sideRoom
                 spacing: 16
 
                 SheetBlock {
