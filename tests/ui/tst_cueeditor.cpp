@@ -139,7 +139,7 @@ private slots:
         EditorFixture f(cue);
         QVERIFY(f.open());
         QTRY_COMPARE(f.focusName(), QStringLiteral("cueNameField"));
-        QTest::keySequence(f.window.get(), QKeySequence::SelectAll);
+        QCOMPARE(f.item("cueNameField")->property("selectedText").toString(), QStringLiteral("Nouveau cue"));
         f.type(QStringLiteral("Keynote d'ouverture"));
         f.click("cueSpeakerField");
         f.type(QStringLiteral("Léa Martin"));
@@ -231,6 +231,26 @@ private slots:
         QTest::mouseClick(f.window.get(), Qt::LeftButton, {}, below.toPoint());
         QTRY_COMPARE(f.draft.hardOutMinute(), 31);
         QTRY_COMPARE(minutes->property("currentIndex").toInt(), 31);
+
+        // The mouse wheel: one notch towards the operator is the next hour, a notch away the
+        // one before, and a touchpad's small steps count once they add up to a notch.
+        const auto roll = [&](QQuickItem *wheel, int delta) {
+            const QPointF at = wheel->mapToScene(QPointF(wheel->width() / 2, wheel->height() / 2));
+            QWheelEvent event(at, f.window->mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton,
+                              Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(f.window.get(), &event);
+        };
+        roll(hours, -120);
+        QTRY_COMPARE(f.draft.hardOutHour(), 23);
+        roll(hours, -120);
+        QTRY_COMPARE(f.draft.hardOutHour(), 0); // round past midnight
+        roll(hours, 60);
+        QCOMPARE(f.draft.hardOutHour(), 0);
+        roll(hours, 60);
+        QTRY_COMPARE(f.draft.hardOutHour(), 23);
+        roll(hours, 120);
+        QTRY_COMPARE(f.draft.hardOutHour(), 22);
+        QTRY_COMPARE(hours->property("currentIndex").toInt(), 22);
 
         // Back to the duration: the end time stays in the saved cue.
         f.click("cueModeSegment0");

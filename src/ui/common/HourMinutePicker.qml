@@ -4,8 +4,9 @@ import Kairon
 
 // A time of day to the minute: two wheels, hours 00–23 and minutes 00–59, both turning round.
 // The picker shows `hour` and `minute` and reports each change the operator makes with
-// edited(hour, minute); the owner stores the new time and binds it back. A wheel with the
-// focus turns with the Up and Down keys; a click on a number chooses it.
+// edited(hour, minute); the owner stores the new time and binds it back. A wheel turns by
+// dragging, with the mouse wheel, and with the Up and Down keys when it has the focus; a click
+// on a number chooses it.
 Rectangle {
     id: picker
 
@@ -45,6 +46,22 @@ Rectangle {
         wrap: true
         focusPolicy: Qt.StrongFocus
         activeFocusOnTab: true
+
+        // A mouse wheel turns it one number per notch (a touchpad's small steps add up to
+        // notches); rolling towards you moves to the next number, as the Down key does.
+        WheelHandler {
+            property real pending: 0
+            target: null
+            onWheel: event => {
+                pending += event.angleDelta.y;
+                while (Math.abs(pending) >= 120) {
+                    const step = pending < 0 ? 1 : -1;
+                    pending += step * 120;
+                    wheel.chosen((wheel.currentIndex + step + wheel.count) % wheel.count);
+                }
+            }
+        }
+
         delegate: Component {
             Text {
                 required property int index

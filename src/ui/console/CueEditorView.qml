@@ -36,7 +36,18 @@ Popup {
     closePolicy: Popup.NoAutoClose
 
     onAboutToShow: scroller.contentY = 0
-    onOpened: nameField.forceActiveFocus()
+    // The name is selected, ready to be typed over (a new cue's is the placeholder name).
+    onOpened: {
+        nameField.forceActiveFocus();
+        nameField.selectAll();
+    }
+
+    enter: Transition {
+        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 120; easing.type: Easing.OutCubic }
+    }
+    exit: Transition {
+        NumberAnimation { property: "opacity"; from: 1; to: 0; duration: 100; easing.type: Easing.InCubic }
+    }
 
     Overlay.modal: Rectangle {
         color: Qt.rgba(0, 0, 0, 0.6)
