@@ -30,6 +30,17 @@ T clampedKeepingLoaded(T value, T current, T lowest, T highest)
     return std::clamp(value, std::min(lowest, current), std::max(highest, current));
 }
 
+// Stores `value` and tells whether that changed anything, so that a setter announces only
+// real changes.
+template<typename T>
+bool assign(T &field, const T &value)
+{
+    if (field == value)
+        return false;
+    field = value;
+    return true;
+}
+
 } // namespace
 
 CueDraft::CueDraft(QObject *parent) : CueDraft(QTimeZone::utc(), parent) {}
@@ -109,53 +120,40 @@ void CueDraft::applyDuration()
 
 void CueDraft::setTimeZone(const QTimeZone &zone)
 {
-    if (zone == m_zone)
-        return;
-    m_zone = zone;
-    emit hardOutChanged(); // the same instant reads as another hour
+    if (assign(m_zone, zone))
+        emit hardOutChanged(); // the same instant reads as another hour
 }
 
 void CueDraft::setName(const QString &name)
 {
-    if (name == m_cue.name)
-        return;
-    m_cue.name = name;
-    emit nameChanged();
+    if (assign(m_cue.name, name))
+        emit nameChanged();
 }
 
 void CueDraft::setSpeaker(const QString &speaker)
 {
-    if (speaker == m_cue.speaker)
-        return;
-    m_cue.speaker = speaker;
-    emit speakerChanged();
+    if (assign(m_cue.speaker, speaker))
+        emit speakerChanged();
 }
 
 void CueDraft::setHardOutMode(bool hardOut)
 {
-    const TimerMode mode = hardOut ? TimerMode::HardOut : TimerMode::Duration;
-    if (mode == m_cue.mode)
-        return;
-    m_cue.mode = mode;
-    emit modeChanged();
+    if (assign(m_cue.mode, hardOut ? TimerMode::HardOut : TimerMode::Duration))
+        emit modeChanged();
 }
 
 void CueDraft::setMinutes(int minutes)
 {
-    minutes = clampedKeepingLoaded(minutes, m_minutes, 0, kMaxMinutes);
-    if (minutes == m_minutes)
+    if (!assign(m_minutes, clampedKeepingLoaded(minutes, m_minutes, 0, kMaxMinutes)))
         return;
-    m_minutes = minutes;
     applyDuration();
     emit minutesChanged();
 }
 
 void CueDraft::setSeconds(int seconds)
 {
-    seconds = clampedKeepingLoaded(seconds, m_seconds, 0, kMaxSeconds);
-    if (seconds == m_seconds)
+    if (!assign(m_seconds, clampedKeepingLoaded(seconds, m_seconds, 0, kMaxSeconds)))
         return;
-    m_seconds = seconds;
     applyDuration();
     emit secondsChanged();
 }
@@ -203,47 +201,35 @@ void CueDraft::setHardOutTimeOfDay(int hour, int minute)
 
 void CueDraft::setWarningThreshold(double seconds)
 {
-    seconds = clampedKeepingLoaded(seconds, m_cue.warningThreshold, 0.0, kMaxThreshold);
-    if (seconds == m_cue.warningThreshold)
-        return;
-    m_cue.warningThreshold = seconds;
-    emit warningThresholdChanged();
+    const double kept = clampedKeepingLoaded(seconds, m_cue.warningThreshold, 0.0, kMaxThreshold);
+    if (assign(m_cue.warningThreshold, kept))
+        emit warningThresholdChanged();
 }
 
 void CueDraft::setDangerThreshold(double seconds)
 {
-    seconds = clampedKeepingLoaded(seconds, m_cue.dangerThreshold, 0.0, kMaxThreshold);
-    if (seconds == m_cue.dangerThreshold)
-        return;
-    m_cue.dangerThreshold = seconds;
-    emit dangerThresholdChanged();
+    const double kept = clampedKeepingLoaded(seconds, m_cue.dangerThreshold, 0.0, kMaxThreshold);
+    if (assign(m_cue.dangerThreshold, kept))
+        emit dangerThresholdChanged();
 }
 
 void CueDraft::setAutoFollow(bool autoFollow)
 {
-    if (autoFollow == m_cue.autoFollow)
-        return;
-    m_cue.autoFollow = autoFollow;
-    emit autoFollowChanged();
+    if (assign(m_cue.autoFollow, autoFollow))
+        emit autoFollowChanged();
 }
 
 void CueDraft::setColorHex(const QString &hex)
 {
-    std::optional<QString> colour;
-    if (!hex.isEmpty())
-        colour = hex;
-    if (colour == m_cue.colorHex)
-        return;
-    m_cue.colorHex = colour;
-    emit colorHexChanged();
+    const std::optional<QString> colour = hex.isEmpty() ? std::nullopt : std::optional(hex);
+    if (assign(m_cue.colorHex, colour))
+        emit colorHexChanged();
 }
 
 void CueDraft::setNotes(const QString &notes)
 {
-    if (notes == m_cue.notes)
-        return;
-    m_cue.notes = notes;
-    emit notesChanged();
+    if (assign(m_cue.notes, notes))
+        emit notesChanged();
 }
 
 void CueDraft::stepMinutes(int direction)
