@@ -37,6 +37,8 @@ private slots:
                  QStringLiteral("Nom de l'intervenant (affiché en confidence)"));
         QCOMPARE(f.item("cueNameField")->property("text").toString(), QStringLiteral("Nouveau cue"));
 
+        keepScreenshot(f.window->grabWindow(), QStringLiteral("cueeditor-new-cue"));
+
         // 480 wide, centred in the window, with all of it in view.
         QQuickItem *sheet = f.editor->property("background").value<QQuickItem *>();
         const QRect box = sceneRect(sheet);

@@ -14,7 +14,7 @@ TextField {
     rightPadding: 10
     color: AppTheme.textPrimary
     placeholderTextColor: AppTheme.textMuted
-    selectionColor: AppTheme.accent
+    selectionColor: Qt.alpha(AppTheme.accent, 0.55)
     selectedTextColor: "white"
     font.family: AppTheme.textFont
     font.pixelSize: 13
