@@ -1,7 +1,9 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "appflowstate.h"
 #include "brandassets.h"
+#include "consolecontroller.h"
 #include "displayclock.h"
+#include "filereveal.h"
 #include "formatters.h"
 #include "launchproject.h"
 #include "networkcoordinator.h"
@@ -56,6 +58,7 @@ int main(int argc, char *argv[])
     SessionStore store(clock);
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
         LaunchProject::open(*file, store, engine, flow, toasts);
+    ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();
@@ -66,6 +69,7 @@ int main(int argc, char *argv[])
                               {QStringLiteral("flow"), QVariant::fromValue(&flow)},
                               {QStringLiteral("brand"), QVariant::fromValue(&brand)},
                               {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
+                              {QStringLiteral("console"), QVariant::fromValue(&console)},
                               {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

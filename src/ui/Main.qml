@@ -12,6 +12,7 @@ QtObject {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    required property ConsoleController console
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
 
@@ -42,6 +43,8 @@ QtObject {
         flow: app.flow
         brand: app.brand
         toasts: app.toasts
+        console: app.console
+        screens: app.screens
         commandTable: app.commandTable
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)

@@ -47,6 +47,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("plus"), 0xE145},                             // add
         {QStringLiteral("rectangle.inset.filled"), 0xE333},           // tv
         {QStringLiteral("rectangle.on.rectangle"), 0xE3E0},           // filter_none
+        {QStringLiteral("snowflake"), 0xEB3B},                        // ac_unit
         {QStringLiteral("square.and.arrow.down"), 0xF090},            // download
         {QStringLiteral("square.and.arrow.up"), 0xF09B},              // upload
         {QStringLiteral("stop.fill"), 0xE047},                        // stop

@@ -2,11 +2,13 @@
 
 #include "appflowstate.h"
 #include "brandassets.h"
+#include "consolecontroller.h"
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
 #include "quickitems.h"
 #include "screenmanager.h"
+#include "sessionstore.h"
 #include "temphome.h"
 #include "toastcenter.h"
 
@@ -21,7 +23,10 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 // The application's windows as main.cpp loads them, on a real engine and a hand-moved clock,
 // in a fresh home (no cached logo) and without network (no logo address).
 struct AppFixture : EngineFixture {
-    AppFixture() : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock)
+    AppFixture()
+        : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock),
+          console(engine, store, flow, toasts, screens, clock,
+                  [this](const QString &path) { revealed << path; })
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
@@ -31,6 +36,7 @@ struct AppFixture : EngineFixture {
                                   {"flow", QVariant::fromValue(&flow)},
                                   {"brand", QVariant::fromValue(&brand)},
                                   {"toasts", QVariant::fromValue(&toasts)},
+                                  {"console", QVariant::fromValue(&console)},
                                   {"screens", QVariant::fromValue(&screens)}});
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -57,6 +63,9 @@ struct AppFixture : EngineFixture {
     AppFlowState flow;
     BrandAssets brand;
     ToastCenter toasts;
+    SessionStore store;
+    QStringList revealed; // the exported files shown in the file manager
+    ConsoleController console;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

@@ -11,6 +11,8 @@ ApplicationWindow {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    required property ConsoleController console
+    required property ScreenManager screens
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
 
@@ -40,9 +42,11 @@ ApplicationWindow {
         sessions: SessionsPage {
             flow: window.flow
         }
-        workspace: WorkspacePage {
-            flow: window.flow
+        workspace: WorkspaceView {
             engine: window.engine
+            console: window.console
+            commands: window.commandTable.commands
+            screens: window.screens
             onOpenOutput: identifier => window.openOutput(identifier)
         }
     }
