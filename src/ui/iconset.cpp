@@ -37,6 +37,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("lock.fill"), 0xE897},                        // lock
         {QStringLiteral("lock.open"), 0xE898},                        // lock_open
         {QStringLiteral("mappin.and.ellipse"), 0xE55F},               // place
+        {QStringLiteral("minus"), 0xE15B},                            // remove
         {QStringLiteral("network"), 0xEB2F},                          // lan
         {QStringLiteral("number"), 0xE9EF},                           // tag
         {QStringLiteral("pause.fill"), 0xE034},                       // pause
