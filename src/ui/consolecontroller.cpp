@@ -16,6 +16,7 @@ ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &st
         m_store.save(m_engine.session());
         m_autosave->start(autosaveMs);
     });
+    QQmlEngine::setObjectOwnership(&m_draft, QQmlEngine::CppOwnership);
     connect(&m_flow, &AppFlowState::stageChanged, this, &ConsoleController::followFlow);
     followFlow();
 }
@@ -166,4 +167,39 @@ void ConsoleController::sendStageTo(int displayIndex)
         m_screens.sendWindow(QStringLiteral("Stage"), displayIndex);
     });
     m_stageMove->start(stageMoveDelayMs);
+}
+
+bool ConsoleController::editCue(int index)
+{
+    const QList<Cue> &cues = m_engine.session().cues;
+    if (index < 0 || index >= cues.size())
+        return false;
+    m_draft.load(cues[index], m_clock);
+    return true;
+}
+
+void ConsoleController::saveCueDraft()
+{
+    m_engine.updateCue(m_draft.result());
+}
+
+void ConsoleController::proposeDoorsTime()
+{
+    QDateTime at;
+    if (const std::optional<QDateTime> target = m_engine.doorsTarget())
+        at = target->toTimeZone(m_clock.timeZone());
+    else {
+        // The next quarter of an hour at least five minutes away: a usual doors time.
+        const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone()).addSecs(5 * 60);
+        const int minutes = now.time().hour() * 60 + now.time().minute();
+        at = now.addSecs(qint64((15 - minutes % 15) % 15) * 60);
+    }
+    setDoorsTime(at.time().hour(), at.time().minute());
+}
+
+void ConsoleController::setDoorsTime(int hour, int minute)
+{
+    m_doorsHour = std::clamp(hour, 0, 23);
+    m_doorsMinute = std::clamp(minute, 0, 59);
+    emit doorsProposalChanged();
 }

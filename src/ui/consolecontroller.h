@@ -2,6 +2,7 @@
 
 #include "appflowstate.h"
 #include "clock.h"
+#include "cuedraft.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
 #include "timerengine.h"
@@ -22,6 +23,13 @@ class ConsoleController : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application with its engine, store and toasts")
 
+    // The working copy the cue editor edits.
+    Q_PROPERTY(CueDraft *cueDraft READ cueDraft CONSTANT FINAL)
+    // The time the doors popover proposes: the running countdown's target, else the next
+    // quarter of an hour.
+    Q_PROPERTY(int doorsHour READ doorsHour NOTIFY doorsProposalChanged FINAL)
+    Q_PROPERTY(int doorsMinute READ doorsMinute NOTIFY doorsProposalChanged FINAL)
+
 public:
     static constexpr qint64 autosaveMs = 30'000;
     static constexpr qint64 stageMoveDelayMs = 500; // lets the stage window show before it moves
@@ -33,6 +41,18 @@ public:
                       ToastCenter &toasts, ScreenManager &screens, Clock &clock, Reveal reveal,
                       QObject *parent = nullptr);
     ~ConsoleController() override;
+
+    CueDraft *cueDraft() { return &m_draft; }
+    int doorsHour() const { return m_doorsHour; }
+    int doorsMinute() const { return m_doorsMinute; }
+
+    // Loads the cue at `index` into the editor's working copy; false for no such cue.
+    Q_INVOKABLE bool editCue(int index);
+    // The editor's "Enregistrer": the edited cue goes back into the show.
+    Q_INVOKABLE void saveCueDraft();
+    // Fills the doors popover's time as it opens; the operator's wheels then set it.
+    Q_INVOKABLE void proposeDoorsTime();
+    Q_INVOKABLE void setDoorsTime(int hour, int minute);
 
     // Saves with a toast: "Projet sauvegardé", or "Échec de sauvegarde : " and the reason.
     Q_INVOKABLE bool saveProject();
@@ -62,11 +82,16 @@ public:
 
     // The doors countdown to the next `hour`:`minute` of the user's day.
     Q_INVOKABLE void startDoors(int hour, int minute);
+    // "Lancer" of the doors popover: the countdown to the time it shows.
+    Q_INVOKABLE void launchDoors() { startDoors(m_doorsHour, m_doorsMinute); }
     Q_INVOKABLE void cancelDoors();
 
     // Called once the stage window was opened: half a second later it goes full screen on the
     // display at `displayIndex`.
     Q_INVOKABLE void sendStageTo(int displayIndex);
+
+signals:
+    void doorsProposalChanged();
 
 private:
     void notifyRemote(); // a fresh snapshot to the state hook, for remote control
@@ -81,4 +106,7 @@ private:
     Reveal m_reveal;
     std::unique_ptr<ClockTimer> m_autosave;
     std::unique_ptr<ClockTimer> m_stageMove;
+    CueDraft m_draft;
+    int m_doorsHour = 0;
+    int m_doorsMinute = 0;
 };

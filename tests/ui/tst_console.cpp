@@ -233,6 +233,62 @@ private slots:
         QTRY_COMPARE(c.item("doorsButton")->property("text").toString(), QStringLiteral("Doors"));
     }
 
+    void theDoorsPopoverStartsAndCancelsTheCountdown()
+    {
+        Console c({durationCue("Keynote", 600)}); // 14:00:00 in Paris
+        c.click("doorsButton");
+        QTRY_VERIFY(c.shown("launchDoors"));
+        QVERIFY(!c.shown("cancelDoors"));
+        // The next quarter of an hour at least five minutes away.
+        QTRY_COMPARE(c.console.doorsHour(), 14);
+        QCOMPARE(c.console.doorsMinute(), 15);
+        QTRY_COMPARE(c.item("hourWheel")->property("currentIndex").toInt(), 14);
+        QTRY_COMPARE(c.item("minuteWheel")->property("currentIndex").toInt(), 15);
+        keepScreenshot(c.shot(), QStringLiteral("console-doors-popover-preview"));
+        c.console.setDoorsTime(14, 30); // as the wheels do
+        c.click("launchDoors");
+        QVERIFY(c.engine.doorsActive());
+        QTRY_VERIFY(!c.shown("launchDoors"));
+        QTRY_COMPARE(c.item("doorsButton")->property("text").toString(), QStringLiteral("Doors 30:00"));
+        c.click("doorsButton");
+        QTRY_VERIFY(c.shown("cancelDoors"));
+        // Once the row has made room for it beside "Lancer".
+        QTRY_VERIFY(c.item("launchDoors")->x() >= c.item("cancelDoors")->width());
+        QTRY_COMPARE(c.console.doorsMinute(), 30); // the running countdown's time
+        QTRY_COMPARE(c.item("minuteWheel")->property("currentIndex").toInt(), 30);
+        const int before = c.snapshots.size();
+        c.click("cancelDoors");
+        QVERIFY(!c.engine.doorsActive());
+        QCOMPARE(c.snapshots.size(), before + 1);
+        QTRY_COMPARE(c.item("doorsButton")->property("text").toString(), QStringLiteral("Doors"));
+    }
+
+    void theCueEditorOpensFromThePencilAndFromEnter()
+    {
+        Cue keynote = durationCue("Keynote", 1200);
+        keynote.speaker = QStringLiteral("Claire Martin");
+        Console c({durationCue("Intro", 600), keynote});
+        c.click("cueName1");
+        c.click("cueEdit1");
+        QTRY_VERIFY(c.shown("cueEditorSave"));
+        QCOMPARE(c.item("cueNameField")->property("text").toString(), QStringLiteral("Keynote"));
+        keepScreenshot(c.shot(), QStringLiteral("console-cue-editor-preview"));
+        QTest::keyClick(c.operatorWindow, Qt::Key_Escape);
+        QTRY_VERIFY(!c.item("cueEditorSave")); // faded out and gone, with its dimmed backdrop
+        QCOMPARE(c.engine.session().cues[1], keynote);
+
+        c.click("cueName0");
+        QTest::keyClick(c.operatorWindow, Qt::Key_Return);
+        QTRY_VERIFY(c.shown("cueNameField"));
+        QCOMPARE(c.item("cueNameField")->property("text").toString(), QStringLiteral("Intro"));
+        type(c.operatorWindow, "Accueil"); // the name is selected as the editor opens
+        QTest::keyClick(c.operatorWindow, Qt::Key_Return);
+        QTRY_VERIFY(!c.shown("cueEditorSave"));
+        QCOMPARE(c.engine.session().cues[0].name, QStringLiteral("Accueil"));
+        QTRY_COMPARE(c.text("cueName0"), QStringLiteral("Accueil"));
+        QVERIFY(!c.engine.isRunning());
+    }
+
     void onlyBlanksSendNothingAndASentMessageEmptiesTheField()
     {
         Console c({durationCue("Keynote", 600)});

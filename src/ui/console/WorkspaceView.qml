@@ -33,6 +33,7 @@ Rectangle {
         displays: root.screens.displays
         onOpenOutput: identifier => root.openOutput(identifier)
         onEditProject: root.editProject()
+        onOpenDoors: anchor => doors.openBelow(anchor)
     }
 
     CueListPanel {
@@ -96,8 +97,23 @@ Rectangle {
         engine: root.engine
     }
 
+    CueEditorView {
+        id: cueEditor
+        draft: root.console.cueDraft
+        onSaved: root.console.saveCueDraft()
+        onClosed: cueList.list.forceActiveFocus()
+    }
+
+    DoorsPopover {
+        id: doors
+        engine: root.engine
+        console: root.console
+    }
+
     // Opens the cue editor on the cue at `index`.
     function editCue(index) {
+        if (root.console.editCue(index))
+            cueEditor.open();
     }
 
     Component.onCompleted: cueList.list.forceActiveFocus()
