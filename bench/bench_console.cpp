@@ -5,6 +5,7 @@
 // in the program, and from the moment xdotool was started.
 // Run under X: bench/run-console-bench.sh [seconds]
 #include "appflowstate.h"
+#include "approotproperties.h"
 #include "benchsupport.h"
 #include "brandassets.h"
 #include "consolecontroller.h"
@@ -48,13 +49,6 @@ public:
     }
 };
 
-void printMedianAndMax(const char *what, std::vector<double> ms)
-{
-    std::sort(ms.begin(), ms.end());
-    if (!ms.empty())
-        std::printf("%s: n=%zu median %.2f ms, max %.2f ms\n", what, ms.size(), ms[ms.size() / 2], ms.back());
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -92,13 +86,8 @@ int main(int argc, char **argv)
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
-    qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
-                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
-                              {QStringLiteral("flow"), QVariant::fromValue(&flow)},
-                              {QStringLiteral("brand"), QVariant::fromValue(&brand)},
-                              {QStringLiteral("screens"), QVariant::fromValue(&screens)},
-                              {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
-                              {QStringLiteral("console"), QVariant::fromValue(&console)}});
+    qml.setInitialProperties(
+        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console}.initialProperties());
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     if (qml.rootObjects().isEmpty())
         return 1;

@@ -130,11 +130,7 @@ int main(int argc, char **argv)
                 std::printf("%.1f ", ms);
             std::printf("\n");
         }
-        std::sort(lateMs.begin(), lateMs.end());
-        if (!lateMs.empty())
-            std::printf("frame showing a new second swapped after the true second: n=%zu median "
-                        "%.2f ms, max %.2f ms\n",
-                        lateMs.size(), lateMs[lateMs.size() / 2], lateMs.back());
+        printMedianAndMax("frame showing a new second swapped after the true second", lateMs);
         std::printf("resident memory: %.1f MiB\n", residentKiB() / 1024.0);
         QCoreApplication::quit();
     });

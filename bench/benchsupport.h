@@ -7,7 +7,10 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <vector>
 
 // What the benchmarks share: an alert player that plays nothing, a one-cue show, a clock.
 
@@ -52,4 +55,12 @@ inline long residentKiB()
         if (line.startsWith("VmRSS:"))
             return line.mid(6).trimmed().split(' ').first().toLong();
     return 0;
+}
+
+// "WHAT: n=… median … ms, max … ms" for a list of durations in milliseconds.
+inline void printMedianAndMax(const char *what, std::vector<double> ms)
+{
+    std::sort(ms.begin(), ms.end());
+    if (!ms.empty())
+        std::printf("%s: n=%zu median %.2f ms, max %.2f ms\n", what, ms.size(), ms[ms.size() / 2], ms.back());
 }

@@ -1,5 +1,6 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "appflowstate.h"
+#include "approotproperties.h"
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
@@ -64,13 +65,8 @@ int main(int argc, char *argv[])
     RenderingBackend::chooseForThisMachine();
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
-    qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
-                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
-                              {QStringLiteral("flow"), QVariant::fromValue(&flow)},
-                              {QStringLiteral("brand"), QVariant::fromValue(&brand)},
-                              {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
-                              {QStringLiteral("console"), QVariant::fromValue(&console)},
-                              {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
+    qml.setInitialProperties(
+        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console}.initialProperties());
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

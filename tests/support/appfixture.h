@@ -1,6 +1,7 @@
 #pragma once
 
 #include "appflowstate.h"
+#include "approotproperties.h"
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
@@ -31,13 +32,8 @@ struct AppFixture : EngineFixture {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
         qml.addImportPath(QStringLiteral("qrc:/"));
-        qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
-                                  {"displayClock", QVariant::fromValue(&displayClock)},
-                                  {"flow", QVariant::fromValue(&flow)},
-                                  {"brand", QVariant::fromValue(&brand)},
-                                  {"toasts", QVariant::fromValue(&toasts)},
-                                  {"console", QVariant::fromValue(&console)},
-                                  {"screens", QVariant::fromValue(&screens)}});
+        qml.setInitialProperties(
+            AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console}.initialProperties());
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
             qFatal("Main.qml did not load");
