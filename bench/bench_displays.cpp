@@ -9,7 +9,6 @@
 #include "systemclock.h"
 #include "timerengine.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -17,7 +16,6 @@
 #include <QQuickWindow>
 #include <QTimer>
 
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -25,27 +23,6 @@
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
-namespace {
-
-double cpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval &t) { return t.tv_sec + t.tv_usec / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-long residentKiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    status.open(QIODevice::ReadOnly);
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return 0;
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -153,11 +130,7 @@ int main(int argc, char **argv)
                 std::printf("%.1f ", ms);
             std::printf("\n");
         }
-        std::sort(lateMs.begin(), lateMs.end());
-        if (!lateMs.empty())
-            std::printf("frame showing a new second swapped after the true second: n=%zu median "
-                        "%.2f ms, max %.2f ms\n",
-                        lateMs.size(), lateMs[lateMs.size() / 2], lateMs.back());
+        printMedianAndMax("frame showing a new second swapped after the true second", lateMs);
         std::printf("resident memory: %.1f MiB\n", residentKiB() / 1024.0);
         QCoreApplication::quit();
     });

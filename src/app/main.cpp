@@ -1,7 +1,10 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "appflowstate.h"
+#include "approotproperties.h"
 #include "brandassets.h"
+#include "consolecontroller.h"
 #include "displayclock.h"
+#include "filereveal.h"
 #include "formatters.h"
 #include "launchproject.h"
 #include "networkcoordinator.h"
@@ -56,18 +59,15 @@ int main(int argc, char *argv[])
     SessionStore store(clock);
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
         LaunchProject::open(*file, store, engine, flow, toasts);
+    ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
-    qml.setInitialProperties({{QStringLiteral("engine"), QVariant::fromValue(&engine)},
-                              {QStringLiteral("displayClock"), QVariant::fromValue(&displayClock)},
-                              {QStringLiteral("flow"), QVariant::fromValue(&flow)},
-                              {QStringLiteral("brand"), QVariant::fromValue(&brand)},
-                              {QStringLiteral("toasts"), QVariant::fromValue(&toasts)},
-                              {QStringLiteral("store"), QVariant::fromValue(&store)},
-                              {QStringLiteral("screens"), QVariant::fromValue(&screens)}});
+    qml.setInitialProperties(
+        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store}
+            .initialProperties());
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
         [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

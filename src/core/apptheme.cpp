@@ -16,13 +16,18 @@ ThemeColor stateColor(const std::optional<Cue> &activeCue, double shown)
         return stateDanger;
     if (shown <= activeCue->warningThreshold)
         return stateWarning;
-    if (activeCue->colorHex) {
-        if (const std::optional<SrgbColor> own = colorFromHex(*activeCue->colorHex)) {
-            const auto channel = [](double c) { return int(std::lround(c * 255)); };
-            return ThemeColor{channel(own->red), channel(own->green), channel(own->blue)};
-        }
-    }
-    return stateNormal;
+    return cueColor(*activeCue).value_or(stateNormal);
+}
+
+std::optional<ThemeColor> cueColor(const Cue &cue)
+{
+    if (!cue.colorHex)
+        return std::nullopt;
+    const std::optional<SrgbColor> own = colorFromHex(*cue.colorHex);
+    if (!own)
+        return std::nullopt;
+    const auto channel = [](double c) { return int(std::lround(c * 255)); };
+    return ThemeColor{channel(own->red), channel(own->green), channel(own->blue)};
 }
 
 } // namespace AppTheme

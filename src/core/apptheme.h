@@ -43,4 +43,7 @@ inline constexpr ThemeColor success{46, 204, 113};
 // text parses → that colour; else stateNormal. A cue's colour thus replaces only the calm green.
 ThemeColor stateColor(const std::optional<Cue> &activeCue, double shown);
 
+// The cue's own colour, when it has one whose text parses.
+std::optional<ThemeColor> cueColor(const Cue &cue);
+
 } // namespace AppTheme

@@ -12,6 +12,7 @@ QtObject {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    required property ConsoleController console
     // The project library on disk.
     required property SessionStore store
     // The displays, and the verb that puts an output window on one of them.
@@ -44,6 +45,8 @@ QtObject {
         flow: app.flow
         brand: app.brand
         toasts: app.toasts
+        console: app.console
+        screens: app.screens
         store: app.store
         commandTable: app.commandTable
         visible: true

@@ -40,6 +40,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("lock.fill"), 0xE897},                        // lock
         {QStringLiteral("lock.open"), 0xE898},                        // lock_open
         {QStringLiteral("mappin.and.ellipse"), 0xE55F},               // place
+        {QStringLiteral("minus"), 0xE15B},                            // remove
         {QStringLiteral("network"), 0xEB2F},                          // lan
         {QStringLiteral("number"), 0xE9EF},                           // tag
         {QStringLiteral("pause.fill"), 0xE034},                       // pause
@@ -49,6 +50,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("plus"), 0xE145},                             // add
         {QStringLiteral("rectangle.inset.filled"), 0xE333},           // tv
         {QStringLiteral("rectangle.on.rectangle"), 0xE3E0},           // filter_none
+        {QStringLiteral("snowflake"), 0xEB3B},                        // ac_unit
         {QStringLiteral("square.and.arrow.down"), 0xF090},            // download
         {QStringLiteral("square.and.arrow.up"), 0xF09B},              // upload
         {QStringLiteral("stop.fill"), 0xE047},                        // stop

@@ -1,6 +1,9 @@
 #include "renderingbackend.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -8,8 +11,12 @@
 #include <QProcess>
 #include <QQuickWindow>
 #include <QRegularExpression>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QTimer>
 
 #include <cstdio>
+#include <memory>
 #include <cstring>
 
 namespace RenderingBackend {
@@ -29,6 +36,54 @@ QString openGLRenderer()
     const QString renderer = name ? QString::fromLatin1(reinterpret_cast<const char *>(name)) : QString();
     context.doneCurrent();
     return renderer;
+}
+
+// The renderer seen by the last probe, kept between runs: asking a copy of the program takes a
+// quarter of a second that start-up should not wait for. The file also names the platform, so
+// that a run on another display server asks again.
+QString cacheFilePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+           + QStringLiteral("/Kairon/renderer");
+}
+
+QString cacheKey()
+{
+    return QGuiApplication::platformName() + u' ' + QString::fromLatin1(qVersion());
+}
+
+std::optional<QString> cachedRenderer()
+{
+    QFile file(cacheFilePath());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    if (lines.size() != 2 || lines[0] != cacheKey())
+        return std::nullopt;
+    return lines[1];
+}
+
+void keepRenderer(const QString &renderer)
+{
+    QDir().mkpath(QFileInfo(cacheFilePath()).absolutePath());
+    QSaveFile file(cacheFilePath());
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write((cacheKey() + u'\n' + renderer).toUtf8());
+        file.commit();
+    }
+}
+
+QProcess *startProbe(QObject *parent)
+{
+    auto *probe = new QProcess(parent);
+    probe->start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(probeArgument)});
+    return probe;
+}
+
+QString probeResult(QProcess &probe)
+{
+    return probe.exitCode() == 0 ? QString::fromLocal8Bit(probe.readAllStandardOutput()).trimmed()
+                                 : QString();
 }
 
 } // namespace
@@ -62,11 +117,23 @@ QString chooseForThisMachine()
         return {};
     // Asked of a short-lived copy of the program: the OpenGL driver, once loaded, would stay
     // in memory (tens of megabytes for a software rasteriser) even if it is never used.
-    QProcess probe;
-    probe.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(probeArgument)});
     QString renderer;
-    if (probe.waitForFinished(10000) && probe.exitCode() == 0)
-        renderer = QString::fromLocal8Bit(probe.readAllStandardOutput()).trimmed();
+    if (const std::optional<QString> cached = cachedRenderer()) {
+        renderer = *cached;
+        // Asked again once the windows are up, for the next run (a GPU may have come or gone).
+        QTimer::singleShot(5000, qApp, [] {
+            QProcess *probe = startProbe(qApp);
+            QObject::connect(probe, &QProcess::finished, probe, [probe] {
+                keepRenderer(probeResult(*probe));
+                probe->deleteLater();
+            });
+        });
+    } else {
+        std::unique_ptr<QProcess> probe(startProbe(nullptr));
+        if (probe->waitForFinished(10000))
+            renderer = probeResult(*probe);
+        keepRenderer(renderer);
+    }
     if (isSoftwareRasteriser(renderer))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     return renderer;

@@ -23,8 +23,9 @@ bool isSoftwareRasteriser(const QString &glRenderer);
 
 // Call after the application object is made and before the first window: switches Qt Quick
 // to its software backend when OpenGL is missing or runs on the CPU (asked of a copy of the
-// program started with a probe argument). A backend chosen by the
-// user (QT_QUICK_BACKEND) is left alone. Returns the OpenGL renderer seen, or an empty text.
+// program started with a probe argument; the answer is kept in the caches folder and asked
+// again in the background for the next run). A backend chosen by the user (QT_QUICK_BACKEND)
+// is left alone. Returns the OpenGL renderer seen, or an empty text.
 QString chooseForThisMachine();
 
 } // namespace RenderingBackend

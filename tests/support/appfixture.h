@@ -1,7 +1,9 @@
 #pragma once
 
 #include "appflowstate.h"
+#include "approotproperties.h"
 #include "brandassets.h"
+#include "consolecontroller.h"
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
@@ -22,18 +24,17 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 // The application's windows as main.cpp loads them, on a real engine and a hand-moved clock,
 // in a fresh home (no cached logo) and without network (no logo address).
 struct AppFixture : EngineFixture {
-    AppFixture() : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock)
+    AppFixture()
+        : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock),
+          console(engine, store, flow, toasts, screens, clock,
+                  [this](const QString &path) { revealed << path; })
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
         qml.addImportPath(QStringLiteral("qrc:/"));
-        qml.setInitialProperties({{"engine", QVariant::fromValue(&engine)},
-                                  {"displayClock", QVariant::fromValue(&displayClock)},
-                                  {"flow", QVariant::fromValue(&flow)},
-                                  {"brand", QVariant::fromValue(&brand)},
-                                  {"toasts", QVariant::fromValue(&toasts)},
-                                  {"store", QVariant::fromValue(&store)},
-                                  {"screens", QVariant::fromValue(&screens)}});
+        qml.setInitialProperties(
+            AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store}
+                .initialProperties());
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
             qFatal("Main.qml did not load");
@@ -60,6 +61,8 @@ struct AppFixture : EngineFixture {
     BrandAssets brand;
     ToastCenter toasts;
     SessionStore store;
+    QStringList revealed; // the exported files shown in the file manager
+    ConsoleController console;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

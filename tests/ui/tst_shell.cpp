@@ -6,6 +6,7 @@
 #include "settingssandbox.h"
 #include "splashcontroller.h"
 
+#include <QJSValue>
 #include <QSignalSpy>
 
 using namespace std::chrono_literals;
@@ -241,7 +242,12 @@ private slots:
         QStringList all;
         for (const QVariant &menu : table->property("menus").toList())
             for (const QVariant &entry : menu.toMap().value("items").toList())
-                all << entry.toMap().value("title").toString();
+            {
+                const QVariant title = entry.toMap().value("title");
+                all << (title.canConvert<QJSValue>() && title.value<QJSValue>().isCallable()
+                            ? title.value<QJSValue>().call().toString()
+                            : title.toString());
+            }
         QCOMPARE(all, (QStringList{"À propos de Kairon", "Réglages…", "Quitter Kairon", "Annuler",
                                    "Rétablir", "Play", "Stop", "Reset", "Cue suivant", "Cue précédent",
                                    "+30 secondes", "\u221230 secondes", "Blink — flash speaker",

@@ -3,12 +3,17 @@ import QtQuick.Controls
 import Kairon
 
 // The interface's button: a medium 13-pixel label padded 18 at the sides on a rounded
-// rectangle. A prominent button is filled with the accent (darker while pressed) under a
-// white label; the others sit on the elevated grey with a thin accent outline.
+// rectangle, with an optional icon before it and its help text as a tooltip. A prominent button
+// is filled with the accent (darker while pressed) under a white label; the others sit on the
+// elevated grey with a thin accent outline.
 Button {
     id: button
 
     property bool prominent: false
+    property string symbol: ""
+    property string help: ""
+    property color labelColor: prominent ? "white" : AppTheme.textPrimary
+    property string labelFont: AppTheme.textFont
 
     implicitHeight: 32
     leftPadding: 18
@@ -16,17 +21,31 @@ Button {
     topPadding: 7
     bottomPadding: 7
     focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
     opacity: enabled ? 1 : 0.4
 
-    contentItem: Text {
-        text: button.text
-        color: button.prominent ? "white" : AppTheme.textPrimary
-        font.family: AppTheme.textFont
-        font.weight: Font.Medium
-        font.pixelSize: 13
-        horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
-        elide: Text.ElideRight
+    ToolTip.visible: help !== "" && hovered
+    ToolTip.text: help
+    ToolTip.delay: 600
+
+    contentItem: Row {
+        spacing: 6
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: button.symbol !== ""
+            symbol: button.symbol
+            size: 16
+            color: button.labelColor
+        }
+        Text {
+            objectName: button.objectName + "Label"
+            anchors.verticalCenter: parent.verticalCenter
+            text: button.text
+            color: button.labelColor
+            font.family: button.labelFont
+            font.weight: Font.Medium
+            font.pixelSize: 13
+        }
     }
 
     background: Rectangle {

@@ -78,7 +78,7 @@ Popup {
             }
         }
 
-        SheetTextField {
+        ProjectSheetField {
             id: nameField
             width: parent.width
             label: "Nom du projet *"
@@ -88,7 +88,7 @@ Popup {
             onEdited: text => sheetForm.name = text
             onSubmitted: sheet.confirm()
         }
-        SheetTextField {
+        ProjectSheetField {
             width: parent.width
             label: "Client"
             fieldName: "sheetClient"
@@ -97,7 +97,7 @@ Popup {
             onEdited: text => sheetForm.client = text
             onSubmitted: sheet.confirm()
         }
-        SheetTextField {
+        ProjectSheetField {
             width: parent.width
             label: "Salle / Lieu"
             fieldName: "sheetVenue"
@@ -106,7 +106,7 @@ Popup {
             onEdited: text => sheetForm.venue = text
             onSubmitted: sheet.confirm()
         }
-        SheetTextField {
+        ProjectSheetField {
             width: parent.width
             label: "Opérateur"
             fieldName: "sheetOperator"
@@ -115,7 +115,7 @@ Popup {
             onEdited: text => sheetForm.operatorName = text
             onSubmitted: sheet.confirm()
         }
-        SheetTextField {
+        ProjectSheetField {
             width: parent.width
             label: "Notes"
             fieldName: "sheetNotes"

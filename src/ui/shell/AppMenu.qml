@@ -20,8 +20,8 @@ Menu {
         delegate: MenuItem {
             id: item
             required property var modelData
-            objectName: "menuItem:" + modelData.title
-            text: modelData.title
+            objectName: "menuItem:" + text
+            text: typeof modelData.title === "function" ? modelData.title() : modelData.title
             onTriggered: modelData.run()
             contentItem: Item {
                 implicitWidth: title.implicitWidth + keys.implicitWidth + 40

@@ -11,6 +11,8 @@ ApplicationWindow {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
+    required property ConsoleController console
+    required property ScreenManager screens
     required property SessionStore store
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
@@ -67,9 +69,11 @@ ApplicationWindow {
             brand: window.brand
             clock: window.clock
         }
-        workspace: WorkspacePage {
-            flow: window.flow
+        workspace: WorkspaceView {
             engine: window.engine
+            console: window.console
+            commands: window.commandTable.commands
+            screens: window.screens
             onOpenOutput: identifier => window.openOutput(identifier)
         }
     }

@@ -2,7 +2,9 @@ import QtQuick
 import Kairon
 
 // Every menu command once: its menu, title, key sequence and action. The menu bar and the
-// application-wide shortcuts are both built from this table.
+// application-wide shortcuts are both built from this table. The table itself never changes:
+// a title that follows the engine is a function the menu item binds to, so a pause retitles one
+// item instead of rebuilding the menus.
 QtObject {
     id: table
 
@@ -20,7 +22,7 @@ QtObject {
             { title: "Annuler", keys: "Ctrl+Z", run: () => table.commands.undo() },
             { title: "Rétablir", keys: "Ctrl+Shift+Z", run: () => table.commands.redo() } ] },
         { title: "Transport", items: [
-            { title: table.commands.playPauseTitle, keys: "Space", run: () => table.commands.playPause() },
+            { title: () => table.commands.playPauseTitle, keys: "Space", run: () => table.commands.playPause() },
             { title: "Stop", keys: "Ctrl+.", run: () => table.commands.stop() },
             { title: "Reset", keys: "Ctrl+R", run: () => table.commands.reset() },
             { title: "Cue suivant", keys: "Ctrl+Right", run: () => table.commands.nextCue() },
@@ -29,9 +31,9 @@ QtObject {
             { title: "\u221230 secondes", keys: "Ctrl+-", run: () => table.commands.removeThirtySeconds() } ] },
         { title: "Sortie", items: [
             { title: "Blink — flash speaker", keys: "Ctrl+L", run: () => table.commands.blink() },
-            { title: table.commands.blackoutTitle, keys: "Ctrl+B", run: () => table.commands.toggleBlackout() },
-            { title: table.commands.freezeTitle, keys: "Ctrl+F", run: () => table.commands.toggleFreeze() },
-            { title: table.commands.clockModeTitle, keys: "Ctrl+K", run: () => table.commands.toggleClockMode() } ] }
+            { title: () => table.commands.blackoutTitle, keys: "Ctrl+B", run: () => table.commands.toggleBlackout() },
+            { title: () => table.commands.freezeTitle, keys: "Ctrl+F", run: () => table.commands.toggleFreeze() },
+            { title: () => table.commands.clockModeTitle, keys: "Ctrl+K", run: () => table.commands.toggleClockMode() } ] }
     ]
 
     // The entries that have keys, flattened for the shortcuts.

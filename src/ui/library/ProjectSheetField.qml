@@ -27,27 +27,14 @@ Column {
         font.capitalization: Font.AllUppercase
     }
 
-    TextField {
+    SheetTextField {
         id: input
         objectName: block.fieldName
         width: block.width
         implicitHeight: 36
         text: block.value
         placeholderText: block.placeholder
-        placeholderTextColor: AppTheme.textMuted
-        color: AppTheme.textPrimary
-        selectionColor: AppTheme.accent
-        selectedTextColor: "white"
-        font.family: AppTheme.textFont
         font.pixelSize: 14
-        leftPadding: 12
-        rightPadding: 12
-        background: Rectangle {
-            radius: 8
-            color: AppTheme.bgInput
-            border.width: 1
-            border.color: input.activeFocus ? AppTheme.accent : AppTheme.separator
-        }
         onTextEdited: block.edited(text)
         // Taken here, so that the sheet sees Return once.
         Keys.onReturnPressed: block.submitted()

@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Controls
+import Kairon
+
+// The cue list's add menu: a blank cue, then one entry per template with its length.
+Menu {
+    id: menu
+
+    required property ConsolePresenter presenter
+    required property ConsoleController console
+
+    objectName: "addCueMenu"
+    width: 260
+
+    MenuItem {
+        objectName: "addBlankCue"
+        text: "Cue vide"
+        onTriggered: menu.console.addBlankCue()
+    }
+    MenuSeparator {}
+    Instantiator {
+        model: menu.presenter.templateLabels
+        onObjectAdded: (index, item) => menu.insertItem(index + 2, item)
+        onObjectRemoved: (index, item) => menu.removeItem(item)
+        delegate: MenuItem {
+            required property string modelData
+            required property int index
+            objectName: "addTemplate" + index
+            text: modelData
+            onTriggered: menu.console.addCueFromTemplate(index)
+        }
+    }
+}

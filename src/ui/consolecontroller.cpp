@@ -1,0 +1,205 @@
+#include "consolecontroller.h"
+
+#include "reportexporter.h"
+#include "rundownpdfexporter.h"
+
+ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &store,
+                                     AppFlowState &flow, ToastCenter &toasts,
+                                     ScreenManager &screens, Clock &clock, Reveal reveal,
+                                     QObject *parent)
+    : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
+      m_screens(screens), m_clock(clock), m_reveal(std::move(reveal))
+{
+    // Saved silently, errors ignored: a failing disk must never interrupt the show with toasts
+    // every 30 seconds; the operator's own save reports it.
+    m_autosave = m_clock.createTimer([this] {
+        m_store.save(m_engine.session());
+        m_autosave->start(autosaveMs);
+    });
+    QQmlEngine::setObjectOwnership(&m_draft, QQmlEngine::CppOwnership);
+    connect(&m_flow, &AppFlowState::stageChanged, this, &ConsoleController::followFlow);
+    followFlow();
+}
+
+ConsoleController::~ConsoleController() = default;
+
+void ConsoleController::followFlow()
+{
+    if (m_flow.stage() != AppFlowState::Workspace)
+        m_autosave->stop();
+    else if (!m_autosave->isActive())
+        m_autosave->start(autosaveMs);
+}
+
+bool ConsoleController::saveProject()
+{
+    QString error;
+    if (!m_store.save(m_engine.session(), &error)) {
+        m_toasts.showError(QStringLiteral("Échec de sauvegarde : ") + error);
+        return false;
+    }
+    m_toasts.showSuccess(QStringLiteral("Projet sauvegardé"));
+    return true;
+}
+
+void ConsoleController::backToProjects()
+{
+    saveProject(); // the file holds the cues as they stood, the running one included
+    m_engine.stop();
+    m_flow.setStage(AppFlowState::Sessions);
+}
+
+void ConsoleController::exportReport()
+{
+    ExportError error;
+    const std::optional<QString> path = ReportExporter::exportCSV(
+        m_engine.session(), m_engine.completedCueLog(), m_engine.totalOvertime(), &error);
+    if (!path) {
+        m_toasts.showError(QStringLiteral("Erreur export : ") + error.description);
+        return;
+    }
+    m_toasts.showSuccess(QStringLiteral("Rapport CSV exporté"));
+    if (m_reveal)
+        m_reveal(*path);
+}
+
+void ConsoleController::exportRundownPDF()
+{
+    ExportError error;
+    const std::optional<QString> path = RundownPDFExporter::exportPDF(m_engine.session(), &error);
+    if (!path) {
+        m_toasts.showError(QStringLiteral("Erreur export PDF : ") + error.description);
+        return;
+    }
+    m_toasts.showSuccess(QStringLiteral("Rundown PDF exporté"));
+    if (m_reveal)
+        m_reveal(*path);
+}
+
+bool ConsoleController::sendCustom(const QString &text, bool urgent)
+{
+    const QString message = text.trimmed();
+    if (message.isEmpty())
+        return false;
+    m_engine.sendMessage(message, urgent);
+    return true;
+}
+
+void ConsoleController::sendPreset(int index)
+{
+    const QList<PresetMessage> presets = m_engine.presetMessages();
+    if (index >= 0 && index < presets.size())
+        m_engine.sendMessage(presets[index].text, presets[index].urgent);
+}
+
+void ConsoleController::clearMessage()
+{
+    m_engine.sendMessage(std::nullopt, false); // also tells remote control
+}
+
+void ConsoleController::playPause()
+{
+    if (m_engine.isRunning())
+        m_engine.pause(); // the engine pauses or resumes
+    else
+        m_engine.start();
+}
+
+void ConsoleController::startCue(int index)
+{
+    m_engine.start(index);
+}
+
+void ConsoleController::selectCue(int index)
+{
+    m_engine.setSelectedCueIndex(index);
+}
+
+void ConsoleController::notifyRemote()
+{
+    if (m_engine.onStateChange())
+        m_engine.onStateChange()(m_engine.snapshot());
+}
+
+void ConsoleController::toggleBlackout()
+{
+    m_engine.setBlackout(!m_engine.blackout());
+    notifyRemote();
+}
+
+void ConsoleController::toggleClockMode()
+{
+    m_engine.setClockMode(!m_engine.clockMode());
+    notifyRemote();
+}
+
+void ConsoleController::toggleShowLock()
+{
+    m_engine.setShowLocked(!m_engine.showLocked());
+}
+
+void ConsoleController::addBlankCue()
+{
+    m_engine.addCue();
+}
+
+void ConsoleController::addCueFromTemplate(int index)
+{
+    const QList<CueTemplate> templates = m_engine.templates();
+    if (index >= 0 && index < templates.size())
+        m_engine.addCue(templates[index]);
+}
+
+void ConsoleController::startDoors(int hour, int minute)
+{
+    const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone());
+    m_engine.startDoors(QDateTime(now.date(), QTime(hour, minute), m_clock.timeZone()));
+}
+
+void ConsoleController::cancelDoors()
+{
+    m_engine.cancelDoors();
+}
+
+void ConsoleController::sendStageTo(int displayIndex)
+{
+    m_stageMove = m_clock.createTimer([this, displayIndex] {
+        m_screens.sendWindow(QStringLiteral("Stage"), displayIndex);
+    });
+    m_stageMove->start(stageMoveDelayMs);
+}
+
+bool ConsoleController::editCue(int index)
+{
+    const QList<Cue> &cues = m_engine.session().cues;
+    if (index < 0 || index >= cues.size())
+        return false;
+    m_draft.load(cues[index], m_clock);
+    return true;
+}
+
+void ConsoleController::saveCueDraft()
+{
+    m_engine.updateCue(m_draft.result());
+}
+
+void ConsoleController::proposeDoorsTime()
+{
+    QDateTime at;
+    if (const std::optional<QDateTime> target = m_engine.doorsTarget())
+        at = target->toTimeZone(m_clock.timeZone());
+    else {
+        // The next quarter of an hour at least five minutes away: a usual doors time.
+        const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone()).addSecs(5 * 60);
+        const int minutes = now.time().hour() * 60 + now.time().minute();
+        at = now.addSecs(qint64((15 - minutes % 15) % 15) * 60);
+    }
+    setDoorsTime(at.time().hour(), at.time().minute());
+}
+
+void ConsoleController::setDoorsTime(int hour, int minute)
+{
+    m_doorsHour = std::clamp(hour, 0, 23);
+    m_doorsMinute = std::clamp(minute, 0, 59);
+    emit doorsProposalChanged();
+}

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "appflowstate.h"
+#include "clock.h"
+#include "cuedraft.h"
+#include "screenmanager.h"
+#include "sessionstore.h"
+#include "timerengine.h"
+#include "toastcenter.h"
+
+#include <QObject>
+#include <QQmlEngine>
+
+#include <functional>
+#include <memory>
+
+// The console's verbs: each operator action is one call here, which runs the engine operation,
+// the save or the export and reports the outcome as a toast. While the console is shown the
+// project is saved silently every 30 seconds.
+class ConsoleController : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the application with its engine, store and toasts")
+
+    // The working copy the cue editor edits.
+    Q_PROPERTY(CueDraft *cueDraft READ cueDraft CONSTANT FINAL)
+    // The time the doors popover proposes: the running countdown's target, else the next
+    // quarter of an hour.
+    Q_PROPERTY(int doorsHour READ doorsHour NOTIFY doorsProposalChanged FINAL)
+    Q_PROPERTY(int doorsMinute READ doorsMinute NOTIFY doorsProposalChanged FINAL)
+
+public:
+    static constexpr qint64 autosaveMs = 30'000;
+    static constexpr qint64 stageMoveDelayMs = 500; // lets the stage window show before it moves
+
+    // Shows an exported file to the operator (in the file manager).
+    using Reveal = std::function<void(const QString &path)>;
+
+    ConsoleController(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
+                      ToastCenter &toasts, ScreenManager &screens, Clock &clock, Reveal reveal,
+                      QObject *parent = nullptr);
+    ~ConsoleController() override;
+
+    CueDraft *cueDraft() { return &m_draft; }
+    int doorsHour() const { return m_doorsHour; }
+    int doorsMinute() const { return m_doorsMinute; }
+
+    // Loads the cue at `index` into the editor's working copy; false for no such cue.
+    Q_INVOKABLE bool editCue(int index);
+    // The editor's "Enregistrer": the edited cue goes back into the show.
+    Q_INVOKABLE void saveCueDraft();
+    // Fills the doors popover's time as it opens; the operator's wheels then set it.
+    Q_INVOKABLE void proposeDoorsTime();
+    Q_INVOKABLE void setDoorsTime(int hour, int minute);
+
+    // Saves with a toast: "Projet sauvegardé", or "Échec de sauvegarde : " and the reason.
+    Q_INVOKABLE bool saveProject();
+    // Saves (with its toast), stops the engine and goes back to the project library.
+    Q_INVOKABLE void backToProjects();
+    Q_INVOKABLE void exportReport();
+    Q_INVOKABLE void exportRundownPDF();
+
+    // Sends the custom message trimmed of blanks; false (nothing sent, the field kept) when
+    // nothing is left of it.
+    Q_INVOKABLE bool sendCustom(const QString &text, bool urgent);
+    Q_INVOKABLE void sendPreset(int index);
+    Q_INVOKABLE void clearMessage();
+
+    // Play/pause as the console's big button does it: pause or resume while a cue runs, else
+    // start the selected cue.
+    Q_INVOKABLE void playPause();
+    Q_INVOKABLE void startCue(int index);
+    Q_INVOKABLE void selectCue(int index);
+    Q_INVOKABLE void toggleBlackout();
+    Q_INVOKABLE void toggleClockMode();
+    Q_INVOKABLE void toggleShowLock();
+
+    // The cue list's add menu: a blank cue, or one from the template at `index`.
+    Q_INVOKABLE void addBlankCue();
+    Q_INVOKABLE void addCueFromTemplate(int index);
+
+    // The doors countdown to the next `hour`:`minute` of the user's day.
+    Q_INVOKABLE void startDoors(int hour, int minute);
+    // "Lancer" of the doors popover: the countdown to the time it shows.
+    Q_INVOKABLE void launchDoors() { startDoors(m_doorsHour, m_doorsMinute); }
+    Q_INVOKABLE void cancelDoors();
+
+    // Called once the stage window was opened: half a second later it goes full screen on the
+    // display at `displayIndex`.
+    Q_INVOKABLE void sendStageTo(int displayIndex);
+
+signals:
+    void doorsProposalChanged();
+
+private:
+    void notifyRemote(); // a fresh snapshot to the state hook, for remote control
+    void followFlow();
+
+    TimerEngine &m_engine;
+    const SessionStore &m_store;
+    AppFlowState &m_flow;
+    ToastCenter &m_toasts;
+    ScreenManager &m_screens;
+    Clock &m_clock;
+    Reveal m_reveal;
+    std::unique_ptr<ClockTimer> m_autosave;
+    std::unique_ptr<ClockTimer> m_stageMove;
+    CueDraft m_draft;
+    int m_doorsHour = 0;
+    int m_doorsMinute = 0;
+};
