@@ -149,6 +149,9 @@ public:
     Q_INVOKABLE void previous();
     Q_INVOKABLE void adjust(double seconds);
     void loadSession(const TimerSession &session);
+    // Takes the project data of `edited` (name, client, venue, operator, event date, notes):
+    // the running order and the clock are left as they are.
+    void updateProjectInfo(const TimerSession &edited);
 
     // ---- Show controls ----------------------------------------------------------------------
     void sendMessage(const std::optional<QString> &text, bool urgent);

@@ -144,3 +144,15 @@ void TimerEngine::clampIndices(const QList<Cue> &previousCues)
         leaveRemovedActiveCue(it != previousCues.cend() ? *it : Cue());
     }
 }
+
+void TimerEngine::updateProjectInfo(const TimerSession &edited)
+{
+    m_session.name = edited.name;
+    m_session.client = edited.client;
+    m_session.venue = edited.venue;
+    m_session.operatorName = edited.operatorName;
+    m_session.eventDate = edited.eventDate;
+    m_session.notes = edited.notes;
+    m_session.updatedAt = edited.updatedAt;
+    emit sessionChanged();
+}

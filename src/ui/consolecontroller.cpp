@@ -33,12 +33,25 @@ void ConsoleController::followFlow()
 
 bool ConsoleController::saveProject()
 {
+    return save(QStringLiteral("Projet sauvegardé"));
+}
+
+void ConsoleController::saveProjectInfo(const QVariant &session)
+{
+    if (!session.canConvert<TimerSession>())
+        return;
+    m_engine.updateProjectInfo(session.value<TimerSession>());
+    save(QStringLiteral("Fiche projet mise à jour"));
+}
+
+bool ConsoleController::save(const QString &success)
+{
     QString error;
     if (!m_store.save(m_engine.session(), &error)) {
         m_toasts.showError(QStringLiteral("Échec de sauvegarde : ") + error);
         return false;
     }
-    m_toasts.showSuccess(QStringLiteral("Projet sauvegardé"));
+    m_toasts.showSuccess(success);
     return true;
 }
 

@@ -54,6 +54,10 @@ public:
     Q_INVOKABLE void proposeDoorsTime();
     Q_INVOKABLE void setDoorsTime(int hour, int minute);
 
+    // The project sheet's "Enregistrer": the project data of `session` (a TimerSession) goes into
+    // the open show, which is saved: "Fiche projet mise à jour", or "Échec de sauvegarde : …".
+    Q_INVOKABLE void saveProjectInfo(const QVariant &session);
+
     // Saves with a toast: "Projet sauvegardé", or "Échec de sauvegarde : " and the reason.
     Q_INVOKABLE bool saveProject();
     // Saves (with its toast), stops the engine and goes back to the project library.
@@ -94,6 +98,7 @@ signals:
     void doorsProposalChanged();
 
 private:
+    bool save(const QString &success);
     void notifyRemote(); // a fresh snapshot to the state hook, for remote control
     void followFlow();
 

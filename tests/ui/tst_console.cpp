@@ -289,6 +289,27 @@ private slots:
         QVERIFY(!c.engine.isRunning());
     }
 
+    void theProjectSheetEditsTheOpenShowAndSavesIt()
+    {
+        Console c({durationCue("Intro", 600), durationCue("Keynote", 900)});
+        c.engine.start(1);
+        c.click("projectInfoButton");
+        QTRY_VERIFY(c.shown("sheetConfirm"));
+        QCOMPARE(c.text("sheetTitle"), QStringLiteral("Fiche projet"));
+        QVERIFY(!c.shown("sheetStarterCue"));
+        c.click("sheetClient");
+        type(c.operatorWindow, "Orchestre");
+        c.click("sheetConfirm");
+        QTRY_VERIFY(!c.item("sheetConfirm"));
+        QCOMPARE(c.engine.session().client, std::optional(QStringLiteral("Orchestre")));
+        QCOMPARE(c.engine.session().name, QStringLiteral("Gala des lumières"));
+        QVERIFY(c.engine.isRunning()); // the show goes on
+        QCOMPARE(c.engine.activeCueIndex(), std::optional(1));
+        QCOMPARE(c.toasts.text(), QStringLiteral("Fiche projet mise à jour"));
+        QCOMPARE(c.store.read(c.savedFile())->client, std::optional(QStringLiteral("Orchestre")));
+        QTRY_VERIFY(c.text("projectSummary").startsWith(QStringLiteral("Orchestre")));
+    }
+
     void onlyBlanksSendNothingAndASentMessageEmptiesTheField()
     {
         Console c({durationCue("Keynote", 600)});

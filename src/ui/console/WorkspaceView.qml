@@ -11,8 +11,9 @@ Rectangle {
     required property ConsoleController console
     required property ShowCommands commands
     required property ScreenManager screens
+    required property DisplayClock clock
+    required property BrandAssets brand
     signal openOutput(string identifier)
-    signal editProject
 
     color: AppTheme.bgMain
 
@@ -32,7 +33,7 @@ Rectangle {
         presenter: presenter
         displays: root.screens.displays
         onOpenOutput: identifier => root.openOutput(identifier)
-        onEditProject: root.editProject()
+        onEditProject: projectSheet.openForEditing(root.engine.session)
         onOpenDoors: anchor => doors.openBelow(anchor)
     }
 
@@ -101,6 +102,14 @@ Rectangle {
         id: cueEditor
         draft: root.console.cueDraft
         onSaved: root.console.saveCueDraft()
+        onClosed: cueList.list.forceActiveFocus()
+    }
+
+    ProjectInfoSheet {
+        id: projectSheet
+        clock: root.clock
+        brand: root.brand
+        onEdited: session => root.console.saveProjectInfo(session)
         onClosed: cueList.list.forceActiveFocus()
     }
 

@@ -2,8 +2,8 @@ import QtQuick
 import Kairon
 
 // The operator window's content, following the flow: the splash, the project library or the
-// console. A page fades in as the one before fades out (0.4 s out of the splash, 0.3 s
-// otherwise); a page that has faded out no longer exists.
+// console. A page fades in as the one before fades out (0.4 s easing out of the splash,
+// 0.3 s easing in and out otherwise); a page that has faded out no longer exists.
 Item {
     id: root
 
@@ -23,7 +23,8 @@ Item {
         Behavior on opacity {
             NumberAnimation {
                 duration: root.flow.previousStage === AppFlowState.Splash ? 400 : 300
-                easing.type: Easing.OutCubic
+                easing.type: root.flow.previousStage === AppFlowState.Splash ? Easing.OutCubic
+                                                                             : Easing.InOutQuad
             }
         }
     }

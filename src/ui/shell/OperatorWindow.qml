@@ -74,6 +74,8 @@ ApplicationWindow {
             console: window.console
             commands: window.commandTable.commands
             screens: window.screens
+            clock: window.clock
+            brand: window.brand
             onOpenOutput: identifier => window.openOutput(identifier)
         }
     }
