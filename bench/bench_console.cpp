@@ -124,20 +124,18 @@ int main(int argc, char **argv)
         }
     });
 
-    double cpuAtStart = 0;
-    qint64 wallAtStart = 0;
+    CpuMeter meter;
     int count = 0; // key presses sent
     QTimer::singleShot(2000, [&] {
         engine.start(0);
-        cpuAtStart = cpuSeconds();
-        wallAtStart = steadyNs();
+        meter.start();
         measuring = true;
     });
     QTimer::singleShot(2000 + seconds * 1000, [&] {
         measuring = false;
-        const double wall = (steadyNs() - wallAtStart) / 1e9;
+        const double wall = meter.wallSeconds();
         std::printf("console window, calm: %d frames in %.1f s, %.2f frames/s\n", frames, wall, frames / wall);
-        std::printf("CPU of the whole process: %.2f %% of one core\n", 100.0 * (cpuSeconds() - cpuAtStart) / wall);
+        meter.printCpu();
         std::printf("resident memory: %.1f MiB\n", residentKiB() / 1024.0);
         // Then twenty Space presses, 700 ms apart, each pausing or resuming the cue, typed into
         // the operator's window (given the keyboard focus first, as a click would).

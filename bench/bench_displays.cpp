@@ -107,23 +107,20 @@ int main(int argc, char **argv)
                 std::printf("clock at %.1f ms, remaining %.4f\n", (clock.monotonicUs() - cueStartUs) / 1000.0, engine.remaining());
         });
     }
-    double cpuAtStart = 0;
-    qint64 wallAtStart = 0;
+    CpuMeter meter;
     QTimer::singleShot(2000, [&] { // let the windows settle first
         cueStartUs = clock.monotonicUs();
         engine.start(0);
-        cpuAtStart = cpuSeconds();
-        wallAtStart = steadyNs();
+        meter.start();
         measuring = true;
     });
     QTimer::singleShot(2000 + seconds * 1000, [&] {
         measuring = false;
-        const double wall = (steadyNs() - wallAtStart) / 1e9;
+        const double wall = meter.wallSeconds();
         for (const Output &o : outputs)
             std::printf("%s window: %d frames in %.1f s, %.2f frames/s\n", o.name, o.frames, wall,
                         o.frames / wall);
-        std::printf("CPU of the whole process: %.2f %% of one core\n",
-                    100.0 * (cpuSeconds() - cpuAtStart) / wall);
+        meter.printCpu();
         lateMs.erase(lateMs.begin()); // the first text is the one shown at the start
         if (qEnvironmentVariableIsSet("KAIRON_BENCH_VERBOSE")) {
             for (double ms : lateMs)

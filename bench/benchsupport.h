@@ -64,3 +64,21 @@ inline void printMedianAndMax(const char *what, std::vector<double> ms)
     if (!ms.empty())
         std::printf("%s: n=%zu median %.2f ms, max %.2f ms\n", what, ms.size(), ms[ms.size() / 2], ms.back());
 }
+
+// The CPU the whole process uses over a stretch of wall time, from start() on.
+struct CpuMeter {
+    double cpuAtStart = 0;
+    qint64 wallAtStartNs = 0;
+
+    void start()
+    {
+        cpuAtStart = cpuSeconds();
+        wallAtStartNs = steadyNs();
+    }
+    double wallSeconds() const { return (steadyNs() - wallAtStartNs) / 1e9; }
+    void printCpu() const
+    {
+        std::printf("CPU of the whole process: %.2f %% of one core\n",
+                    100.0 * (cpuSeconds() - cpuAtStart) / wallSeconds());
+    }
+};

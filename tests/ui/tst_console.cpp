@@ -572,6 +572,7 @@ private slots:
         QTest::addColumn<QSize>("size");
         QTest::newRow("preview") << QSize(1150, 750);
         QTest::newRow("1080p") << QSize(1920, 1080);
+        QTest::newRow("4k") << QSize(3840, 2160);
     }
 
     void screenshotsAtTheOperatorsSizes()
