@@ -10,6 +10,7 @@
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
+#include "networkcoordinator.h"
 #include "renderingbackend.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
@@ -83,11 +84,14 @@ int main(int argc, char **argv)
     ToastCenter toasts(clock);
     SessionStore store(clock);
     ConsoleController console(engine, store, flow, toasts, screens, clock, {});
+    NetworkCoordinator network; // remote control off, as on a fresh installation
+    SettingsController settings(engine, network, store);
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
-        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store}
+        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
+                       &settings}
             .initialProperties());
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     if (qml.rootObjects().isEmpty())

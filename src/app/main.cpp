@@ -12,6 +12,7 @@
 #include "renderingbackend.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
+#include "settingscontroller.h"
 #include "soundmanager.h"
 #include "startuptrace.h"
 #include "systemclock.h"
@@ -60,13 +61,15 @@ int main(int argc, char *argv[])
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
         LaunchProject::open(*file, store, engine, flow, toasts);
     ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
+    SettingsController settings(engine, network, store);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
-        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store}
+        AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
+                       &settings}
             .initialProperties());
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

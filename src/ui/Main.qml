@@ -17,6 +17,8 @@ QtObject {
     required property SessionStore store
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
+    // The preferences, the alert outputs and the remote control's status, for the settings.
+    required property SettingsController settings
 
     // Shows the window of an identifier: "main", "stage", "confidence" or "settings".
     function openWindow(identifier) {
@@ -67,7 +69,11 @@ QtObject {
         clock: app.displayClock
     }
 
-    property SettingsWindow settingsWindow: SettingsWindow {}
+    property SettingsWindow settingsWindow: SettingsWindow {
+        settings: app.settings
+        engine: app.engine
+        brand: app.brand
+    }
 
     property AboutWindow aboutWindow: AboutWindow {
         brand: app.brand

@@ -6,6 +6,7 @@
 #include "displayclock.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
+#include "settingscontroller.h"
 #include "timerengine.h"
 #include "toastcenter.h"
 
@@ -22,6 +23,7 @@ struct AppRootObjects {
     ToastCenter *toasts;
     ConsoleController *console;
     SessionStore *store;
+    SettingsController *settings;
 
     QVariantMap initialProperties() const
     {
@@ -32,6 +34,7 @@ struct AppRootObjects {
                 {QStringLiteral("screens"), QVariant::fromValue(screens)},
                 {QStringLiteral("toasts"), QVariant::fromValue(toasts)},
                 {QStringLiteral("console"), QVariant::fromValue(console)},
-                {QStringLiteral("store"), QVariant::fromValue(store)}};
+                {QStringLiteral("store"), QVariant::fromValue(store)},
+                {QStringLiteral("settings"), QVariant::fromValue(settings)}};
     }
 };

@@ -14,6 +14,7 @@ trap cleanup EXIT
 
 export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_RUNTIME_DIR=$dir/run
 export PULSE_RUNTIME_PATH=$dir/run/pulse PULSE_STATE_PATH=$dir/state
+unset PULSE_SERVER
 mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$PULSE_RUNTIME_PATH" "$PULSE_STATE_PATH"
 chmod 700 "$XDG_RUNTIME_DIR"
 
@@ -33,6 +34,9 @@ for _ in $(seq 100); do
     kill -0 "$pid" 2>/dev/null || { cat "$dir/pulse.log" >&2; exit 1; }
     sleep 0.05
 done
+pactl info >/dev/null
+# This server, whatever the caller's environment named.
+export PULSE_SERVER=unix:$PULSE_RUNTIME_PATH/native
 pactl info >/dev/null
 
 "$@"

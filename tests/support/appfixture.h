@@ -7,9 +7,11 @@
 #include "displayclock.h"
 #include "enginefixture.h"
 #include "formatters.h"
+#include "networkcoordinator.h"
 #include "quickitems.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
+#include "settingscontroller.h"
 #include "temphome.h"
 #include "toastcenter.h"
 
@@ -27,13 +29,15 @@ struct AppFixture : EngineFixture {
     AppFixture()
         : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock),
           console(engine, store, flow, toasts, screens, clock,
-                  [this](const QString &path) { revealed << path; })
+                  [this](const QString &path) { revealed << path; }),
+          settings(engine, network, store)
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
         qml.addImportPath(QStringLiteral("qrc:/"));
         qml.setInitialProperties(
-            AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store}
+            AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
+                           &settings}
                 .initialProperties());
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -63,6 +67,8 @@ struct AppFixture : EngineFixture {
     SessionStore store;
     QStringList revealed; // the exported files shown in the file manager
     ConsoleController console;
+    NetworkCoordinator network; // not attached: the engine's state hook stays the fixture's
+    SettingsController settings;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

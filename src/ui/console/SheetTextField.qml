@@ -8,6 +8,9 @@ import Kairon
 TextField {
     id: field
 
+    // Outlines the field in red while its text cannot be taken.
+    property bool invalid: false
+
     implicitWidth: 240
     implicitHeight: 32
     leftPadding: 10
@@ -25,6 +28,7 @@ TextField {
         radius: 6
         color: AppTheme.bgInput
         border.width: 1
-        border.color: field.activeFocus ? AppTheme.accent : AppTheme.separator
+        border.color: field.invalid ? AppTheme.stateDanger
+                      : field.activeFocus ? AppTheme.accent : AppTheme.separator
     }
 }

@@ -1,0 +1,65 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import QtQuick.Window
+import Kairon
+
+// The settings: a window of a fixed 520 × 460 with four tabs, "Général", "OSC", "Session" and
+// "À propos". Everything it shows comes from the settings controller and the engine.
+Window {
+    id: window
+
+    required property SettingsController settings
+    required property TimerEngine engine
+    required property BrandAssets brand
+
+    title: "Réglages"
+    width: 520
+    height: 460
+    minimumWidth: width
+    maximumWidth: width
+    minimumHeight: height
+    maximumHeight: height
+    color: AppTheme.bgMain
+
+    onVisibleChanged: if (visible) settings.windowShown()
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        SettingsTabBar {
+            id: tabs
+            objectName: "settingsTabs"
+            Layout.fillWidth: true
+        }
+
+        StackLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            currentIndex: tabs.currentIndex
+
+            SettingsGeneralTab {
+                objectName: "generalTab"
+                settings: window.settings
+                engine: window.engine
+            }
+            SettingsOscTab {
+                objectName: "oscTab"
+                settings: window.settings
+            }
+            SettingsSessionTab {
+                objectName: "sessionTab"
+                settings: window.settings
+            }
+            SettingsPage {
+                objectName: "aboutTab"
+                AboutView {
+                    objectName: "settingsAbout"
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    assets: window.brand
+                }
+            }
+        }
+    }
+}
