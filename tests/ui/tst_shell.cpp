@@ -255,6 +255,49 @@ private slots:
                                    "Quitter le mode horloge"}));
     }
 
+    // The "Sortie" menu opened with a click on the menu bar, its item chosen with another.
+    void duringABlackoutTheOutputMenuOffersToLiftItAndChoosingItDoes()
+    {
+        SettingsSandbox settings;
+        AppFixture f;
+        f.engine.loadSession(showOf({durationCue("Intro", 600)}));
+        f.engine.setBlackout(true);
+        const auto centre = [](QQuickItem *i) {
+            return i->mapToScene(QPointF(i->width() / 2, i->height() / 2)).toPoint();
+        };
+        // The menu bar's entry of that title, in its visual tree.
+        const std::function<QQuickItem *(QQuickItem *, const QString &)> menuBarItem =
+            [&](QQuickItem *from, const QString &title) -> QQuickItem * {
+            for (QQuickItem *child : from->childItems()) {
+                if (child->inherits("QQuickMenuBarItem") && child->property("text").toString() == title)
+                    return child;
+                if (QQuickItem *found = menuBarItem(child, title))
+                    return found;
+            }
+            return nullptr;
+        };
+        const auto openOutputMenu = [&] {
+            QQuickItem *output = menuBarItem(f.operatorWindow->property("menuBar").value<QQuickItem *>(),
+                                             QStringLiteral("Sortie"));
+            QVERIFY(output);
+            QTest::mouseClick(f.operatorWindow, Qt::LeftButton, {}, centre(output));
+        };
+        // Item names with accents: f.item() takes Latin-1.
+        const auto menuItem = [&](const QString &title) {
+            return findQuickItem(f.operatorWindow->contentItem(), QStringLiteral("menuItem:") + title);
+        };
+        openOutputMenu();
+        QQuickItem *lift = nullptr;
+        QTRY_VERIFY((lift = menuItem(QStringLiteral("Désactiver le blackout"))) && lift->isVisible());
+        QVERIFY(!menuItem(QStringLiteral("Blackout")));
+        QTest::mouseClick(f.operatorWindow, Qt::LeftButton, {}, centre(lift));
+        QVERIFY(!f.engine.blackout());
+        QTRY_VERIFY(!menuItem(QStringLiteral("Désactiver le blackout"))
+                    || !menuItem(QStringLiteral("Désactiver le blackout"))->isVisible());
+        openOutputMenu();
+        QTRY_VERIFY(menuItem(QStringLiteral("Blackout")) && menuItem(QStringLiteral("Blackout"))->isVisible());
+    }
+
     void aSpaceTypedInATextFieldStaysInIt()
     {
         SettingsSandbox settings;
