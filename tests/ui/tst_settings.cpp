@@ -323,6 +323,32 @@ private slots:
         keepScreenshot(f.shot(), QStringLiteral("settings-session-error"));
     }
 
+    // Space stays the transport's key whatever control of the window has the focus; only a
+    // text field keeps it as a space.
+    void spacePlaysAndPausesWhateverControlHasTheFocus()
+    {
+        SettingsFixture f;
+        f.engine.loadSession(showOf({durationCue("Intro", 600)}));
+        f.click("alertSoundsSwitch");
+        QVERIFY(!f.engine.soundsEnabled());
+        QTRY_VERIFY(f.at("alertSoundsSwitch")->hasActiveFocus());
+        QTest::keyClick(f.settingsWindow, Qt::Key_Space);
+        QVERIFY(f.engine.isRunning() && !f.engine.isPaused());
+        QVERIFY(!f.engine.soundsEnabled()); // the switch kept its state
+        f.openTab(1);
+        QTRY_VERIFY(f.at("settingsTab1")->hasActiveFocus());
+        QTest::keyClick(f.settingsWindow, Qt::Key_Space);
+        QVERIFY(f.engine.isPaused());
+        f.click("applyOsc");
+        QTest::keyClick(f.settingsWindow, Qt::Key_Space);
+        QVERIFY(!f.engine.isPaused());
+        f.click("oscSendHost");
+        QTRY_VERIFY(f.at("oscSendHost")->hasActiveFocus());
+        QTest::keyClick(f.settingsWindow, Qt::Key_Space);
+        QVERIFY(!f.engine.isPaused());
+        QCOMPARE(f.text("oscSendHost"), QStringLiteral("127.0.0.1 "));
+    }
+
     void theSettingsOpenFromTheGearAndFromCtrlComma()
     {
         SettingsSandbox sandbox;
