@@ -82,14 +82,14 @@ fail() {
     exit 1
 }
 
-# The screen as it is now, into $work/now.png.
-snap() { import -window root "$work/now.png"; }
+# The screen as it is now, into $work/now.ppm (uncompressed: the checks read it many times).
+snap() { import -window root "$work/now.ppm"; }
 
 # Keeps the last screenshot as the next numbered one: keep NAME.
 keep() {
     [[ -n "$shots" ]] || return 0
     shot_number=$((shot_number + 1))
-    cp "$work/now.png" "$shots/$(printf '%02d' "$shot_number")-$1.png"
+    convert "$work/now.ppm" "$shots/$(printf '%02d' "$shot_number")-$1.png"
 }
 
 # Runs a check until it passes: poll SECONDS "what is awaited" COMMAND [ARGS…]. Each try of a
@@ -214,30 +214,30 @@ operator_window() {
 splash_shows() {
     operator_window || return 1
     snap
-    (($(pixels count "$work/now.png" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_deep 2) > gw * gh / 2)) &&
-        (($(pixels count "$work/now.png" $((gx + gw / 4)) $((gy + gh / 4)) $((gw / 2)) $((gh / 2)) $accent 10) > 3000))
+    (($(pixels count "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_deep 2) > gw * gh / 2)) &&
+        (($(pixels count "$work/now.ppm" $((gx + gw / 4)) $((gy + gh / 4)) $((gw / 2)) $((gh / 2)) $accent 10) > 3000))
 }
 
 # The library page: its background, and "Nouveau projet" filled orange at the header's right.
 library_shows() {
     snap
-    (($(pixels count "$work/now.png" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_main 1) > gw * gh / 2)) &&
+    (($(pixels count "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_main 1) > gw * gh / 2)) &&
         new_project_button >/dev/null
 }
 new_project_button() {
     local at
-    at=$(pixels centre "$work/now.png" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6)
-    [[ "$at" != none ]] && (($(pixels count "$work/now.png" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6) > 2000)) &&
+    at=$(pixels centre "$work/now.ppm" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6)
+    [[ "$at" != none ]] && (($(pixels count "$work/now.ppm" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6) > 2000)) &&
         echo "$at"
 }
 # The library's empty state: its "Créer un projet" button, orange, in the middle of the page.
 library_empty() {
-    (($(pixels count "$work/now.png" $((gx + gw / 2 - 150)) $((gy + gh / 2)) 300 200 $accent 6) > 2000)) &&
+    (($(pixels count "$work/now.ppm" $((gx + gw / 2 - 150)) $((gy + gh / 2)) 300 200 $accent 6) > 2000)) &&
         ! library_row >/dev/null
 }
 # A project's row: a panel-coloured band across the list, as "x y w h".
 library_row() {
-    pixels blobs "$work/now.png" "$gx" $((gy + menu_bar + 100)) "$gw" 200 $bg_panel 1 2>/dev/null |
+    pixels blobs "$work/now.ppm" "$gx" $((gy + menu_bar + 100)) "$gw" 200 $bg_panel 1 2>/dev/null |
         awk -v min=$((gw * 3 / 4)) '$3 >= min && $4 >= 55 && $4 <= 75 {print $1, $2, $3, $4; found=1; exit} END {exit !found}'
 }
 
@@ -246,13 +246,13 @@ library_row() {
 sheet_confirm_button() {
     snap
     local count
-    count=$(pixels count "$work/now.png" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6)
-    ((count > 2000)) && pixels centre "$work/now.png" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6
+    count=$(pixels count "$work/now.ppm" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6)
+    ((count > 2000)) && pixels centre "$work/now.ppm" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6
 }
 sheet_open() {
     snap
     ! new_project_button >/dev/null &&
-        (($(pixels count "$work/now.png" $((gx + gw / 2 - 280)) $((gy + 100)) 560 $((gh - 200)) $bg_panel 1) > 50000))
+        (($(pixels count "$work/now.ppm" $((gx + gw / 2 - 280)) $((gy + 100)) 560 $((gh - 200)) $bg_panel 1) > 50000))
 }
 
 # The console: the play button, a large orange square, in the transport under the timer.
@@ -260,25 +260,25 @@ console_shows() {
     snap
     local list
     list=$(cue_list_width)
-    (($(pixels count "$work/now.png" $((gx + list)) $((gy + menu_bar + top_bar)) $((gw - list)) $((gh / 2)) $accent 6) > 3500))
+    (($(pixels count "$work/now.ppm" $((gx + list)) $((gy + menu_bar + top_bar)) $((gw - list)) $((gh / 2)) $accent 6) > 3500))
 }
 # Row I of the cue list has a name: white text at the left of the row.
 cue_row_named() {
     snap
-    (($(pixels count "$work/now.png" $((gx + 50)) $(($(cue_row_y "$1") - 24)) 200 22 $text_primary 30) > 40))
+    (($(pixels count "$work/now.ppm" $((gx + 50)) $(($(cue_row_y "$1") - 24)) 200 22 $text_primary 30) > 40))
 }
 # The cue list header's "+", orange, at the right of "CUES".
 add_cue_button() {
     local list
     list=$(cue_list_width)
-    pixels centre "$work/now.png" $((gx + list - 60)) $((gy + menu_bar + top_bar + 8)) 60 40 $accent 10
+    pixels centre "$work/now.ppm" $((gx + list - 60)) $((gy + menu_bar + top_bar + 8)) 60 40 $accent 10
 }
 # The cue editor is open: its "Enregistrer", filled orange, at its lower right.
 editor_save_button() {
     snap
     local x=$((gx + gw / 2 + 60)) y=$((gy + gh / 2 + 100))
-    (($(pixels count "$work/now.png" $x $y 200 $((gh / 2 - 120)) $accent 6) > 2000)) &&
-        pixels centre "$work/now.png" $x $y 200 $((gh / 2 - 120)) $accent 6
+    (($(pixels count "$work/now.ppm" $x $y 200 $((gh / 2 - 120)) $accent 6) > 2000)) &&
+        pixels centre "$work/now.ppm" $x $y 200 $((gh / 2 - 120)) $accent 6
 }
 editor_closed() { ! editor_save_button >/dev/null; }
 
@@ -287,7 +287,7 @@ editor_closed() { ! editor_save_button >/dev/null; }
 # "Confidence".
 top_bar_buttons() {
     snap
-    pixels blobs "$work/now.png" "$gx" $((gy + menu_bar)) "$gw" "$top_bar" $bg_elevated 1 2>/dev/null |
+    pixels blobs "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" "$top_bar" $bg_elevated 1 2>/dev/null |
         awk '$4 >= 26 && $3 >= 18' | sort -n -k1,1
 }
 centre_of() { awk '{print $1 + int($3 / 2), $2 + int($4 / 2)}'; }
@@ -304,18 +304,18 @@ stage_fullscreen() {
 }
 # Pixels of a colour in the stage's middle band, where its digits are.
 stage_digits() {
-    pixels count "$work/now.png" $stage_x $((stage_y + 200)) $stage_w 300 "$1" 12
+    pixels count "$work/now.ppm" $stage_x $((stage_y + 200)) $stage_w 300 "$1" 12
 }
 stage_green() { snap; (($(stage_digits $state_normal) > 8000)); }
 stage_yellow() { snap; (($(stage_digits $state_warning) > 8000)) && (($(stage_digits $state_normal) < 500)); }
 stage_black() {
     snap
-    [[ $(pixels dark "$work/now.png" $stage_x $stage_y $stage_w $stage_h 4) == 1.0000 ]]
+    [[ $(pixels dark "$work/now.ppm" $stage_x $stage_y $stage_w $stage_h 4) == 1.0000 ]]
 }
 # The message banner: its orange text in the lower part of the stage, above the digits.
 stage_banner() {
     snap
-    (($(pixels count "$work/now.png" $stage_x $((stage_y + stage_h / 2 + 80)) $stage_w $((stage_h / 2 - 80)) $accent 12) > 3000)) &&
+    (($(pixels count "$work/now.ppm" $stage_x $((stage_y + stage_h / 2 + 80)) $stage_w $((stage_h / 2 - 80)) $accent 12) > 3000)) &&
         (($(stage_digits $state_warning) + $(stage_digits $state_danger) > 8000))
 }
 
@@ -332,16 +332,16 @@ confidence_window() {
 }
 # Its time, in the middle third of its height (the wall clock is above, the next cue below).
 confidence_digits() {
-    pixels count "${2:-$work/now.png}" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3)) "$1" 12
+    pixels count "${2:-$work/now.ppm}" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3)) "$1" 12
 }
 confidence_differs_from() {
     snap
-    (($(pixels differ "$1" "$work/now.png" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3))) > 500))
+    (($(pixels differ "$1" "$work/now.ppm" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3))) > 500))
 }
 # The message, orange, at the confidence window's lower right.
 confidence_message() {
     snap
-    (($(pixels count "$work/now.png" $((cx + cw / 2)) $((cy + ch * 4 / 5)) $((cw / 2)) $((ch / 5)) $accent 12) > 1000))
+    (($(pixels count "$work/now.ppm" $((cx + cw / 2)) $((cy + ch * 4 / 5)) $((cw / 2)) $((ch / 5)) $accent 12) > 1000))
 }
 
 osc_seen() { grep -qE -- "$1" "$work/osc.txt"; }
@@ -368,6 +368,8 @@ quit_program() {
 
 # ---- The show -------------------------------------------------------------------------------
 
+# Step 4, for now before the first launch. TODO: move this call after step 3 (after
+# "keep three-cues") once configure_settings clicks through the settings window.
 configure_settings
 
 oscdump -L "$send_port" >"$work/osc.txt" 2>&1 &
@@ -405,14 +407,14 @@ log "project created, console open"
 add_template() {
     local downs=$1 row=$2 name=$3
     snap
-    local before="$work/before-menu.png"
-    cp "$work/now.png" "$before"
+    local before="$work/before-menu.ppm"
+    cp "$work/now.ppm" "$before"
     read -r x y < <(add_cue_button)
     [[ -n "${x:-}" && "$x" != none ]] || fail "no add button over the cue list"
     click "$x" "$y"
     menu_open() {
         snap
-        (($(pixels differ "$before" "$work/now.png" $((gx + 100)) $((y + 10)) 260 180) > 3000))
+        (($(pixels differ "$before" "$work/now.ppm" $((gx + 100)) $((y + 10)) 260 180) > 3000))
     }
     poll 10 "the add menu opens" menu_open
     [[ "$row" == 1 ]] && keep add-cue-menu
@@ -469,11 +471,11 @@ buttons=$(top_bar_buttons)
 read -r x y < <(awk '$3 <= 30' <<<"$buttons" | head -n 1 | centre_of)
 [[ -n "${x:-}" ]] || fail "no display menu beside the Stage button"
 snap
-cp "$work/now.png" "$work/before-menu.png"
+cp "$work/now.ppm" "$work/before-menu.ppm"
 click "$x" "$y"
 display_menu_open() {
     snap
-    (($(pixels differ "$work/before-menu.png" "$work/now.png" $((gx + gw - 260)) $((y + 18)) 260 60) > 2000))
+    (($(pixels differ "$work/before-menu.ppm" "$work/now.ppm" $((gx + gw - 260)) $((y + 18)) 260 60) > 2000))
 }
 poll 10 "the stage's display menu opens" display_menu_open
 keep stage-display-menu
@@ -508,7 +510,7 @@ yellow_at=$(seconds $(($(now_ms) - show_started)))
 keep show-yellow
 log "stage yellow ${yellow_at} s after Space"
 # Seen within a few seconds of 30 s: the screenshots follow each other at the machine's pace.
-python3 -c "import sys; sys.exit(0 if 28 <= $yellow_at <= 40 else 1)" ||
+python3 -c "import sys; sys.exit(0 if 28 <= $yellow_at <= 42 else 1)" ||
     fail "yellow ${yellow_at} s after Space, expected 30 s (1 min, warning at 30 s)"
 (($(confidence_digits $state_warning) > 5000)) || fail "the confidence window's digits are not yellow"
 
@@ -516,8 +518,8 @@ python3 -c "import sys; sys.exit(0 if 28 <= $yellow_at <= 40 else 1)" ||
 press ctrl+b
 poll 10 "Ctrl+B blacks out the stage" stage_black
 keep blackout
-cp "$work/now.png" "$work/blackout.png"
-poll 5 "the confidence window keeps counting during the blackout" confidence_differs_from "$work/blackout.png"
+cp "$work/now.ppm" "$work/blackout.ppm"
+poll 10 "the confidence window keeps counting during the blackout" confidence_differs_from "$work/blackout.ppm"
 (($(confidence_digits $state_warning) + $(confidence_digits $state_danger) > 5000)) ||
     fail "the confidence window shows no time during the blackout"
 log "stage black, confidence counting"
@@ -557,7 +559,7 @@ if float(frequency) != 1318.51:
     sys.exit(f"the first sound is at {frequency} Hz, not the warning's bell")
 if not (27 <= at <= 33):
     sys.exit(f"the warning's bell sounded {at:.1f} s after Space, expected 30 s")
-if not (at - 1 <= yellow <= at + 8):
+if not (at - 1 <= yellow <= at + 10):
     sys.exit(f"the bell ({at:.1f} s) and the yellow digits ({yellow:.1f} s) are apart")
 later = [float(b[3]) for b in bursts[1:]]
 if 1760.0 not in later or 220.0 not in later:
@@ -575,7 +577,7 @@ list=$(cue_list_width)
 export_y=$((gy + gh - 26))
 footer_visible() {
     snap
-    (($(pixels count "$work/now.png" $((gx + list - 90)) $((export_y - 16)) 80 32 $bg_input 1) > 800))
+    (($(pixels count "$work/now.ppm" $((gx + list - 90)) $((export_y - 16)) 80 32 $bg_input 1) > 800))
 }
 poll 10 "the console comes to the front with the cue list's footer" footer_visible
 click $((gx + list - 10 - 32 - 6 - 16)) "$export_y"
@@ -596,8 +598,8 @@ row_with_detail() {
     row=$(library_row) || return 1
     read -r rx ry rw rh <<<"$row"
     # Its name, white, over its detail line (date, cues, length), grey.
-    (($(pixels count "$work/now.png" $((rx + 50)) "$ry" 400 $((rh / 2)) $text_primary 30) > 100)) &&
-        (($(pixels count "$work/now.png" $((rx + 50)) $((ry + rh / 2)) 400 $((rh / 2)) $text_secondary 30) > 60))
+    (($(pixels count "$work/now.ppm" $((rx + 50)) "$ry" 400 $((rh / 2)) $text_primary 30) > 100)) &&
+        (($(pixels count "$work/now.ppm" $((rx + 50)) $((ry + rh / 2)) 400 $((rh / 2)) $text_secondary 30) > 60))
 }
 poll 20 "\"Projets\" shows the library with the project's row and detail line" row_with_detail
 keep library-project

@@ -12,6 +12,7 @@
 
 Every rectangle is cut out of the screenshot by ImageMagick's convert and read as a binary PPM.
 """
+import re
 import subprocess
 import sys
 
@@ -42,12 +43,24 @@ def read_rect(path, x, y, w, h):
     return width, height, data
 
 
+def channel_table(low, high):
+    """A translation table mapping a channel's byte to 1 within [low, high], else to 0."""
+    return bytes(1 if low <= v <= high else 0 for v in range(256))
+
+
+def mask(data, colour, tol):
+    """One byte per pixel: 1 where each channel is within `tol` of the colour's, else 0."""
+    bits = None
+    for channel, value in enumerate(colour):
+        plane = data[channel::3].translate(channel_table(value - tol, value + tol))
+        number = int.from_bytes(plane, "big")
+        bits = number if bits is None else bits & number
+    return bits.to_bytes(len(data) // 3, "big")
+
+
 def matches(data, colour, tol):
-    r, g, b = colour
-    for i in range(0, len(data), 3):
-        if (abs(data[i] - r) <= tol and abs(data[i + 1] - g) <= tol
-                and abs(data[i + 2] - b) <= tol):
-            yield i // 3
+    """The indices of the pixels within `tol` of the colour."""
+    return [m.start() for m in re.finditer(b"\x01", mask(data, colour, tol))]
 
 
 def main(argv):
@@ -58,10 +71,11 @@ def main(argv):
         colour = tuple(int(v) for v in argv[7].split(","))
         tol = int(argv[8]) if len(argv) > 8 else 12
         width, _, data = read_rect(path, x, y, w, h)
-        found = list(matches(data, colour, tol))
         if command == "count":
-            print(len(found))
-        elif not found:
+            print(mask(data, colour, tol).count(1))
+            return
+        found = matches(data, colour, tol)
+        if not found:
             print("none")
         else:
             xs = [i % width for i in found]
@@ -105,16 +119,20 @@ def main(argv):
         x, y, w, h = (int(v) for v in argv[4:8])
         _, _, first = read_rect(argv[2], x, y, w, h)
         _, _, second = read_rect(argv[3], x, y, w, h)
-        print(sum(1 for i in range(0, min(len(first), len(second)), 3)
-                  if first[i:i + 3] != second[i:i + 3]))
+        size = min(len(first), len(second))
+        changed = int.from_bytes(first[:size], "big") ^ int.from_bytes(second[:size], "big")
+        per_byte = changed.to_bytes(size, "big").translate(channel_table(1, 255))
+        bits = 0
+        for channel in range(3):
+            bits |= int.from_bytes(per_byte[channel::3], "big")
+        print(bits.to_bytes(size // 3, "big").count(1))
     elif command == "dark":
         path = argv[2]
         x, y, w, h = (int(v) for v in argv[3:7])
         level = int(argv[7]) if len(argv) > 7 else 16
         _, _, data = read_rect(path, x, y, w, h)
         total = len(data) // 3
-        dark = sum(1 for i in range(0, len(data), 3)
-                   if data[i] <= level and data[i + 1] <= level and data[i + 2] <= level)
+        dark = mask(data, (0, 0, 0), level).count(1)
         print(f"{dark / total:.4f}" if total else "0")
     else:
         raise SystemExit(f"unknown command {command}")
