@@ -1,0 +1,634 @@
+#!/usr/bin/env bash
+# The real program, used as a new user would from start to finish, and observed only from
+# outside: a fresh home, an X server with two monitors and a window manager, a sound server with
+# two outputs ("Régie", the default, and "Retour scène"), and an OSC peer on each side.
+#
+# It is driven by real key presses and mouse clicks (xdotool), and checked on what a person or
+# the venue's equipment would see: screenshots of the whole screen, read pixel by pixel, the OSC
+# messages the program sends, the files it writes, and the sound recorded from each output.
+#
+#   1. the splash shows, a click skips it, the empty library shows;
+#   2. "Nouveau projet", a name, "Créer le projet": the console opens with the starter cue;
+#   3. two cues added from the templates; one renamed, cut to 1 min with its warning at 30 s
+#      and auto-follow on, in the cue editor; saved with Ctrl+S;
+#   4. the settings: alerts on "Retour scène", OSC in and out (see configure_settings);
+#   5. the stage sent full screen to the second monitor, the confidence window opened; Space
+#      starts the edited cue: its name and time go out over OSC, the stage's digits are green,
+#      then yellow 30 s later with the warning's bell on "Retour scène" and nothing on "Régie";
+#   6. Ctrl+B blacks the stage out while the confidence window keeps counting; a message sent
+#      over OSC waits behind the blackout and shows on the stage once Ctrl+B lifts it; the cue
+#      reaches zero and the next one follows by itself;
+#   7. the CSV report and the PDF rundown exported from the cue list; "Projets" saves and shows
+#      the project in the library; Ctrl+Q quits; a second launch lists the project again.
+#
+# Usage: acceptance.sh KAIRON_BINARY
+# Starts its own servers (tests/audio/with-pulseaudio.sh around tests/ui/with-xvfb.sh) unless
+# it already runs inside them. With KAIRON_SCREENSHOT_DIR set, keeps a numbered screenshot of
+# each step there (created if needed), and failure.png when a check fails.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+tests=$(dirname "$here")
+
+if [[ $# -ne 1 ]]; then
+    echo "usage: $0 KAIRON_BINARY" >&2
+    exit 2
+fi
+kairon=$(realpath "$1")
+
+if [[ -z "${KAIRON_ACCEPTANCE_SERVERS:-}" ]]; then
+    export KAIRON_ACCEPTANCE_SERVERS=1
+    exec "$tests/audio/with-pulseaudio.sh" "$tests/ui/with-xvfb.sh" "$0" "$kairon"
+fi
+
+# ---- Surroundings ---------------------------------------------------------------------------
+
+now_ms() { echo $(($(date +%s%N) / 1000000)); }
+# Milliseconds as seconds with one decimal.
+seconds() { printf '%d.%d' $(($1 / 1000)) $(($1 % 1000 / 100)); }
+started=$(now_ms)
+work=$(mktemp -d)
+kairon_pid=
+helper_pids=()
+
+log() { printf '[acceptance %6ss] %s\n' "$(seconds $(($(now_ms) - started)))" "$*"; }
+
+cleanup() {
+    set +e
+    [[ -n "$kairon_pid" ]] && kill "$kairon_pid" 2>/dev/null && wait "$kairon_pid" 2>/dev/null
+    local pid
+    for pid in "${helper_pids[@]}"; do
+        kill "$pid" 2>/dev/null
+        wait "$pid" 2>/dev/null
+    done
+    rm -rf "$work"
+}
+trap cleanup EXIT
+trap 'exit 143' TERM
+trap 'exit 130' INT
+
+shots=${KAIRON_SCREENSHOT_DIR:-}
+[[ -n "$shots" ]] && mkdir -p "$shots"
+shot_number=0
+
+fail() {
+    echo "FAILED: $*" >&2
+    import -window root "$work/failure.png" 2>/dev/null && [[ -n "$shots" ]] \
+        && cp "$work/failure.png" "$shots/failure.png"
+    echo "--- the program's output (last lines):" >&2
+    tail -n 30 "$work/kairon.log" >&2 2>/dev/null || true
+    echo "--- OSC received (last lines):" >&2
+    tail -n 10 "$work/osc.txt" >&2 2>/dev/null || true
+    exit 1
+}
+
+# The screen as it is now, into $work/now.ppm (uncompressed: the checks read it many times).
+snap() { import -window root "$work/now.ppm"; }
+
+# Keeps the last screenshot as the next numbered one: keep NAME.
+keep() {
+    [[ -n "$shots" ]] || return 0
+    shot_number=$((shot_number + 1))
+    convert "$work/now.ppm" "$shots/$(printf '%02d' "$shot_number")-$1.png"
+}
+
+# Runs a check until it passes: poll SECONDS "what is awaited" COMMAND [ARGS…]. Each try of a
+# check that reads the screen takes its own screenshot, so the waits follow the program's own
+# pace on a loaded machine.
+poll() {
+    local timeout=$1 what=$2
+    shift 2
+    local deadline=$(($(date +%s) + timeout))
+    while ! "$@" >/dev/null; do
+        (($(date +%s) < deadline)) || fail "$what (not within ${timeout} s)"
+        sleep 0.2
+    done
+}
+
+pixels() { python3 "$here/screen.py" "$@"; }
+
+# Colours of the interface, sRGB.
+accent=255,107,0
+bg_deep=10,10,12
+bg_main=18,18,20
+bg_panel=26,26,30
+bg_elevated=35,35,40
+bg_input=42,42,48
+text_primary=255,255,255
+text_secondary=184,184,192
+state_normal=46,204,113
+state_warning=241,196,15
+state_danger=231,76,60
+
+# The mouse rests in a corner after each click, so that no tooltip or hover colour lingers on
+# what the next screenshot reads.
+park() { xdotool mousemove 4 1076; }
+click() { xdotool mousemove "$1" "$2" click 1; park; }
+press() {
+    local key
+    for key in "$@"; do
+        xdotool key "$key"
+        sleep 0.08
+    done
+}
+
+# A visible window of the program, by its title's regular expression; empty when none.
+window_id() { xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1 || true; }
+# Its place on the screen: geometry WINDOW_ID sets gx gy gw gh (the window's content, without
+# the window manager's frame).
+geometry() {
+    local info
+    info=$(xwininfo -id "$1")
+    gx=$(awk '/Absolute upper-left X/ {print $NF}' <<<"$info")
+    gy=$(awk '/Absolute upper-left Y/ {print $NF}' <<<"$info")
+    gw=$(awk '/Width:/ {print $NF}' <<<"$info")
+    gh=$(awk '/Height:/ {print $NF}' <<<"$info")
+}
+
+free_udp_port() {
+    python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
+}
+
+# A user's session, as little of this machine's as possible: no session bus (the exports would
+# ask its file manager to show their file), French time.
+unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER
+export TZ=Europe/Paris LANG=C.UTF-8 LC_ALL=C.UTF-8
+
+# The exports then show their folder through xdg-open; this desktop has no file manager, so a
+# stand-in records what it was asked to open instead of starting a browser.
+mkdir -p "$work/bin"
+cat > "$work/bin/xdg-open" <<SH
+#!/bin/sh
+echo "\$@" >> "$work/revealed"
+SH
+chmod +x "$work/bin/xdg-open"
+export PATH=$work/bin:$PATH
+
+pactl list short sinks | grep -q kairon_stage || fail "no sound server with the two outputs"
+[[ -n "${DISPLAY:-}" ]] || fail "no X display"
+
+listen_port=$(free_udp_port)
+send_port=$(free_udp_port)
+projects=$HOME/Documents/Kairon/Projets
+reports=$HOME/Documents/Kairon/Reports
+
+# ---- Step 4: the settings -------------------------------------------------------------------
+
+# TODO: replace with real clicks in the settings window (Ctrl+, or the console's gear button;
+# tabs "Général", "OSC", "Session", "À propos") once it exists, and call it after step 3 instead
+# of before the first launch. Until then the settings are written where the program reads them
+# at launch: the alerts on the output "Retour scène" (kairon_stage), OSC received on
+# $listen_port and sent to 127.0.0.1:$send_port.
+configure_settings() {
+    mkdir -p "$XDG_CONFIG_HOME/Kairon"
+    cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
+[General]
+oscListenEnabled=true
+oscListenPort=$listen_port
+oscSendEnabled=true
+oscSendHost=127.0.0.1
+oscSendPort=$send_port
+alertOutputUID=kairon_stage
+CONF
+}
+
+# ---- The program's windows, read on the screen -----------------------------------------------
+
+# The operator window's layout, from its QML: the menu bar, then the page; in the console the
+# top bar, then the cue list on the left (a third of the window, 320 to 480 wide).
+menu_bar=28
+top_bar=56
+cue_list_width() { python3 -c "print(round(max(320, min(480, $gw * 0.33))))"; }
+# The centre of the cue list's row I (0 first): below the list's header (14 + 30 + 8), rows of
+# 64 spaced by 8.
+cue_row_y() { echo $((gy + menu_bar + top_bar + 52 + 72 * $1 + 32)); }
+
+operator_window() {
+    local id
+    id=$(window_id '^Kairon$')
+    [[ -n "$id" ]] || return 1
+    geometry "$id"
+}
+
+# The splash: the logo's orange square and wordmark on the deep background.
+splash_shows() {
+    operator_window || return 1
+    snap
+    (($(pixels count "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_deep 2) > gw * gh / 2)) &&
+        (($(pixels count "$work/now.ppm" $((gx + gw / 4)) $((gy + gh / 4)) $((gw / 2)) $((gh / 2)) $accent 10) > 3000))
+}
+
+# The library page: its background, and "Nouveau projet" filled orange at the header's right.
+library_shows() {
+    snap
+    (($(pixels count "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" $((gh - menu_bar)) $bg_main 1) > gw * gh / 2)) &&
+        new_project_button >/dev/null
+}
+new_project_button() {
+    local at
+    at=$(pixels centre "$work/now.ppm" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6)
+    [[ "$at" != none ]] && (($(pixels count "$work/now.ppm" $((gx + gw - 300)) $((gy + menu_bar + 28)) 300 56 $accent 6) > 2000)) &&
+        echo "$at"
+}
+# The library's empty state: its "Créer un projet" button, orange, in the middle of the page.
+library_empty() {
+    (($(pixels count "$work/now.ppm" $((gx + gw / 2 - 150)) $((gy + gh / 2)) 300 200 $accent 6) > 2000)) &&
+        ! library_row >/dev/null
+}
+# A project's row: a panel-coloured band across the list, as "x y w h".
+library_row() {
+    pixels blobs "$work/now.ppm" "$gx" $((gy + menu_bar + 100)) "$gw" 200 $bg_panel 1 2>/dev/null |
+        awk -v min=$((gw * 3 / 4)) '$3 >= min && $4 >= 55 && $4 <= 75 {print $1, $2, $3, $4; found=1; exit} END {exit !found}'
+}
+
+# The project sheet is open: the page behind it is dimmed, so "Nouveau projet" is no longer the
+# interface's orange, and the sheet's confirm button sits at its lower right.
+sheet_confirm_button() {
+    snap
+    local count
+    count=$(pixels count "$work/now.ppm" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6)
+    ((count > 2000)) && pixels centre "$work/now.ppm" $((gx + gw / 2)) $((gy + gh / 2)) $((gw / 2 - 280)) $((gh / 2)) $accent 6
+}
+sheet_open() {
+    snap
+    ! new_project_button >/dev/null &&
+        (($(pixels count "$work/now.ppm" $((gx + gw / 2 - 280)) $((gy + 100)) 560 $((gh - 200)) $bg_panel 1) > 50000))
+}
+
+# The console: the play button, a large orange square, in the transport under the timer.
+console_shows() {
+    snap
+    local list
+    list=$(cue_list_width)
+    (($(pixels count "$work/now.ppm" $((gx + list)) $((gy + menu_bar + top_bar)) $((gw - list)) $((gh / 2)) $accent 6) > 3500))
+}
+# Row I of the cue list has a name: white text at the left of the row.
+cue_row_named() {
+    snap
+    (($(pixels count "$work/now.ppm" $((gx + 50)) $(($(cue_row_y "$1") - 24)) 200 22 $text_primary 30) > 40))
+}
+# The cue list header's "+", orange, at the right of "CUES".
+add_cue_button() {
+    local list
+    list=$(cue_list_width)
+    pixels centre "$work/now.ppm" $((gx + list - 60)) $((gy + menu_bar + top_bar + 8)) 60 40 $accent 10
+}
+# The cue editor is open: its "Enregistrer", filled orange, at its lower right.
+editor_save_button() {
+    snap
+    local x=$((gx + gw / 2 + 60)) y=$((gy + gh / 2 + 100))
+    (($(pixels count "$work/now.ppm" $x $y 200 $((gh / 2 - 120)) $accent 6) > 2000)) &&
+        pixels centre "$work/now.ppm" $x $y 200 $((gh / 2 - 120)) $accent 6
+}
+editor_closed() { ! editor_save_button >/dev/null; }
+
+# The console's top bar buttons on the grey they are filled with, left to right, as
+# "x y w h": "Projets", "Doors", "Stage", the stage's display menu (the narrow one),
+# "Confidence".
+top_bar_buttons() {
+    snap
+    pixels blobs "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" "$top_bar" $bg_elevated 1 2>/dev/null |
+        awk '$4 >= 26 && $3 >= 18' | sort -n -k1,1
+}
+centre_of() { awk '{print $1 + int($3 / 2), $2 + int($4 / 2)}'; }
+
+# The stage on the second monitor, 1280x720 at 1920,0.
+stage_x=1920 stage_y=0 stage_w=1280 stage_h=720
+stage_fullscreen() {
+    local id gx gy gw gh
+    id=$(window_id 'Stage$')
+    [[ -n "$id" ]] || return 1
+    geometry "$id"
+    [[ "$gx,$gy,$gw,$gh" == "$stage_x,$stage_y,$stage_w,$stage_h" ]] &&
+        xprop -id "$id" _NET_WM_STATE | grep -q _NET_WM_STATE_FULLSCREEN
+}
+# Pixels of a colour in the stage's middle band, where its digits are.
+stage_digits() {
+    pixels count "$work/now.ppm" $stage_x $((stage_y + 200)) $stage_w 300 "$1" 12
+}
+stage_green() { snap; (($(stage_digits $state_normal) > 8000)); }
+stage_yellow() { snap; (($(stage_digits $state_warning) > 8000)) && (($(stage_digits $state_normal) < 500)); }
+stage_black() {
+    snap
+    [[ $(pixels dark "$work/now.ppm" $stage_x $stage_y $stage_w $stage_h 4) == 1.0000 ]]
+}
+# The message banner: its orange text in the lower part of the stage, above the digits.
+stage_banner() {
+    snap
+    (($(pixels count "$work/now.ppm" $stage_x $((stage_y + stage_h / 2 + 80)) $stage_w $((stage_h / 2 - 80)) $accent 12) > 3000)) &&
+        (($(stage_digits $state_warning) + $(stage_digits $state_danger) > 8000))
+}
+
+# The confidence window where the window manager put it: cx cy cw ch, its part on the screen.
+confidence_window() {
+    local id gx gy gw gh
+    id=$(window_id 'Confidence$')
+    [[ -n "$id" ]] || return 1
+    geometry "$id"
+    cx=$gx cy=$gy cw=$gw ch=$gh
+    ((cx + cw > 3200)) && cw=$((3200 - cx))
+    ((cy + ch > 1080)) && ch=$((1080 - cy))
+    ((cw > 200 && ch > 200))
+}
+# Its time, in the middle third of its height (the wall clock is above, the next cue below).
+confidence_digits() {
+    pixels count "${2:-$work/now.ppm}" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3)) "$1" 12
+}
+confidence_differs_from() {
+    snap
+    (($(pixels differ "$1" "$work/now.ppm" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3))) > 500))
+}
+# The message, orange, at the confidence window's lower right.
+confidence_message() {
+    snap
+    (($(pixels count "$work/now.ppm" $((cx + cw / 2)) $((cy + ch * 4 / 5)) $((cw / 2)) $((ch / 5)) $accent 12) > 1000))
+}
+
+osc_seen() { grep -qE -- "$1" "$work/osc.txt"; }
+file_there() { compgen -G "$1" >/dev/null; }
+
+launch() {
+    log "launching $kairon"
+    (cd "$HOME" && exec "$kairon") >>"$work/kairon.log" 2>&1 &
+    kairon_pid=$!
+}
+
+quit_program() {
+    press ctrl+q
+    local deadline=$(($(date +%s) + 30))
+    while kill -0 "$kairon_pid" 2>/dev/null; do
+        (($(date +%s) < deadline)) || fail "Ctrl+Q did not quit the program"
+        sleep 0.2
+    done
+    local status=0
+    wait "$kairon_pid" || status=$?
+    kairon_pid=
+    ((status == 0)) || fail "the program ended with status $status"
+}
+
+# ---- The show -------------------------------------------------------------------------------
+
+# Step 4, for now before the first launch. TODO: move this call after step 3 (after
+# "keep three-cues") once configure_settings clicks through the settings window.
+configure_settings
+
+oscdump -L "$send_port" >"$work/osc.txt" 2>&1 &
+helper_pids+=($!)
+
+# Step 1: the splash, skipped with a click, then the empty library.
+launch
+poll 60 "the splash shows" splash_shows
+keep splash
+log "splash shown"
+click $((gx + gw / 2)) $((gy + gh / 2))
+poll 30 "the library shows after the splash" library_shows
+poll 10 "the empty library invites to create a project" library_empty
+keep library-empty
+log "empty library shown"
+
+# Step 2: a new project.
+project_name="Soirée de lancement"
+read -r x y < <(new_project_button)
+click "$x" "$y"
+poll 20 "the project sheet opens" sheet_open
+xdotool type --delay 40 "$project_name"
+poll 10 "the sheet's confirm button is enabled once named" sheet_confirm_button
+keep new-project-sheet
+read -r x y < <(sheet_confirm_button)
+click "$x" "$y"
+poll 30 "the console opens" console_shows
+poll 10 "the starter cue is listed" cue_row_named 0
+keep console-starter-cue
+poll 10 "the new project is saved in the library" file_there "$projects/*.orvprjct"
+log "project created, console open"
+
+# Step 3: two cues from the templates of the add menu (keyboard through the menu: the blank
+# cue, then the templates in order), then the second cue edited.
+add_template() {
+    local downs=$1 row=$2 name=$3
+    snap
+    local before="$work/before-menu.ppm"
+    cp "$work/now.ppm" "$before"
+    read -r x y < <(add_cue_button)
+    [[ -n "${x:-}" && "$x" != none ]] || fail "no add button over the cue list"
+    click "$x" "$y"
+    menu_open() {
+        snap
+        (($(pixels differ "$before" "$work/now.ppm" $((gx + 100)) $((y + 10)) 260 180) > 3000))
+    }
+    poll 10 "the add menu opens" menu_open
+    [[ "$row" == 1 ]] && keep add-cue-menu
+    local i
+    for ((i = 0; i < downs; i++)); do press Down; done
+    press Return
+    poll 10 "the cue \"$name\" is added" cue_row_named "$row"
+}
+add_template 6 1 "Pitch 5 min"
+add_template 4 2 "Q&A 10 min"
+log "two cues added from templates"
+
+# The second cue: selected with a click, opened with Return. Its name is selected, ready to be
+# typed over; Tab then goes through the speaker, the two modes, the minutes, the seconds, the
+# warning and danger thresholds and the auto-follow switch.
+click $((gx + 150)) "$(cue_row_y 1)"
+press Return
+poll 10 "the cue editor opens" editor_save_button
+xdotool type --delay 40 "Pitch express"
+press Tab Tab Tab Tab Down Down Down Down # 5 min → 1 min
+press Tab Tab Down                         # warning 60 s → 30 s
+press Tab Tab space                        # auto-follow on
+snap
+keep cue-editor
+read -r x y < <(editor_save_button)
+click "$x" "$y"
+poll 10 "the cue editor closes on Enregistrer" editor_closed
+press ctrl+s
+saved_show_is() {
+    python3 - "$projects" "$@" <<'PY'
+import glob, json, sys
+folder, name, cues = sys.argv[1], sys.argv[2], sys.argv[3:]
+files = glob.glob(folder + "/*.orvprjct")
+if len(files) != 1:
+    sys.exit(1)
+show = json.load(open(files[0], encoding="utf-8"))
+listed = [c["name"] for c in show["cues"]]
+edited = [c for c in show["cues"] if c["name"] == "Pitch express"]
+ok = (show["name"] == name and listed == cues and len(edited) == 1
+      and edited[0]["duration"] == 60 and edited[0]["autoFollow"] is True
+      and edited[0]["warningThreshold"] == 30 and edited[0]["mode"] == "duration")
+sys.exit(0 if ok else 1)
+PY
+}
+poll 10 "Ctrl+S saves the three cues, the edited one 1 min with auto-follow" \
+    saved_show_is "$project_name" "Keynote 20 min" "Pitch express" "Q&A 10 min"
+snap
+keep three-cues
+log "cue edited to 1 min with auto-follow, saved"
+
+# Step 5: the stage, full screen on the second monitor through the menu beside "Stage" (the
+# main display, then the second one), and the confidence window.
+buttons=$(top_bar_buttons)
+read -r x y < <(awk '$3 <= 30' <<<"$buttons" | head -n 1 | centre_of)
+[[ -n "${x:-}" ]] || fail "no display menu beside the Stage button"
+snap
+cp "$work/now.ppm" "$work/before-menu.ppm"
+click "$x" "$y"
+display_menu_open() {
+    snap
+    (($(pixels differ "$work/before-menu.ppm" "$work/now.ppm" $((gx + gw - 260)) $((y + 18)) 260 60) > 2000))
+}
+poll 10 "the stage's display menu opens" display_menu_open
+keep stage-display-menu
+press Down Down Return
+poll 20 "the stage goes full screen on the second monitor" stage_fullscreen
+read -r x y < <(top_bar_buttons | tail -n 1 | centre_of)
+click "$x" "$y"
+poll 20 "the confidence window opens" confidence_window
+log "confidence window at ${cx},${cy} (${cw}x${ch} on screen)"
+snap
+keep outputs-open
+
+# Both outputs recorded from before the start: the alerts must sound on "Retour scène" only.
+parec -d kairon_stage.monitor --format=s16le --rate=16000 --channels=1 --raw >"$work/stage.raw" &
+helper_pids+=($!)
+parec -d kairon_main.monitor --format=s16le --rate=16000 --channels=1 --raw >"$work/main.raw" &
+helper_pids+=($!)
+recording_started=$(now_ms)
+sleep 0.5 # the recorders connect; only their start time matters
+
+press space
+show_started=$(now_ms)
+log "Space pressed"
+poll 10 "the cue's name goes out over OSC" osc_seen '/kairon/cue s "Pitch express"'
+poll 10 "the remaining seconds go out over OSC" osc_seen '/kairon/remaining f 5[0-9]\.'
+poll 10 "the running state goes out over OSC" osc_seen '/kairon/running i 1'
+poll 15 "the stage's digits are green" stage_green
+keep show-green
+log "show running: OSC out, stage green"
+poll 45 "the stage's digits turn yellow at the warning threshold" stage_yellow
+yellow_at=$(seconds $(($(now_ms) - show_started)))
+keep show-yellow
+log "stage yellow ${yellow_at} s after Space"
+# Seen within a few seconds of 30 s: the screenshots follow each other at the machine's pace.
+python3 -c "import sys; sys.exit(0 if 28 <= $yellow_at <= 42 else 1)" ||
+    fail "yellow ${yellow_at} s after Space, expected 30 s (1 min, warning at 30 s)"
+(($(confidence_digits $state_warning) > 5000)) || fail "the confidence window's digits are not yellow"
+
+# Step 6: the blackout on the stage, the confidence window still counting.
+press ctrl+b
+poll 10 "Ctrl+B blacks out the stage" stage_black
+keep blackout
+cp "$work/now.ppm" "$work/blackout.ppm"
+poll 10 "the confidence window keeps counting during the blackout" confidence_differs_from "$work/blackout.ppm"
+(($(confidence_digits $state_warning) + $(confidence_digits $state_danger) > 5000)) ||
+    fail "the confidence window shows no time during the blackout"
+log "stage black, confidence counting"
+
+oscsend 127.0.0.1 "$listen_port" /kairon/message s "Merci de conclure"
+poll 10 "the OSC message reaches the confidence window" confidence_message
+stage_black || fail "the message shows through the blackout"
+keep blackout-message
+press ctrl+b
+poll 10 "Ctrl+B lifts the blackout and the stage shows the message banner" stage_banner
+keep stage-message
+log "message banner on the stage after the blackout"
+
+# The cue reaches zero at 60 s and the next one follows by itself.
+poll 45 "the next cue follows by itself at zero" osc_seen '/kairon/cue s "Q&A 10 min"'
+poll 10 "the stage counts the next cue in green" stage_green
+keep auto-follow
+log "auto-follow to the next cue"
+
+# The sounds: the warning's bell on "Retour scène" when the digits turned yellow (then the
+# danger's and the zero's), and nothing at all on "Régie".
+sleep 1.5 # the zero's sound (0.9 s) ends in the recording
+for pid in "${helper_pids[@]:1}"; do kill "$pid" 2>/dev/null || true; done
+python3 "$here/sound.py" bursts "$work/stage.raw" 16000 >"$work/stage.bursts"
+python3 "$here/sound.py" bursts "$work/main.raw" 16000 >"$work/main.bursts"
+log "sounds on Retour scène (start end dBFS Hz): $(tr '\n' ';' <"$work/stage.bursts")"
+[[ ! -s "$work/main.bursts" ]] || fail "sound on Régie, the default output: $(cat "$work/main.bursts")"
+python3 - "$work/stage.bursts" "$(seconds $((show_started - recording_started)))" "$yellow_at" <<'PY' ||
+import sys
+bursts = [line.split() for line in open(sys.argv[1])]
+space, yellow = float(sys.argv[2]), float(sys.argv[3])
+if not bursts:
+    sys.exit("nothing sounded on Retour scène")
+start, _, _, frequency = bursts[0]
+at = float(start) - space
+if float(frequency) != 1318.51:
+    sys.exit(f"the first sound is at {frequency} Hz, not the warning's bell")
+if not (27 <= at <= 33):
+    sys.exit(f"the warning's bell sounded {at:.1f} s after Space, expected 30 s")
+if not (at - 1 <= yellow <= at + 10):
+    sys.exit(f"the bell ({at:.1f} s) and the yellow digits ({yellow:.1f} s) are apart")
+later = [float(b[3]) for b in bursts[1:]]
+if 1760.0 not in later or 220.0 not in later:
+    sys.exit(f"the danger's and the zero's sounds are missing: {later}")
+PY
+    fail "the alerts on Retour scène are not as expected"
+log "warning bell recorded on Retour scène, silence on Régie"
+
+# Step 7: the show stopped, the report and the rundown exported from the cue list's footer.
+press ctrl+period
+# The confidence window may cover the console: a click on the console's title bar brings it
+# to the front.
+click $((gx + gw / 2)) $((gy - 8))
+list=$(cue_list_width)
+export_y=$((gy + gh - 26))
+footer_visible() {
+    snap
+    (($(pixels count "$work/now.ppm" $((gx + list - 90)) $((export_y - 16)) 80 32 $bg_input 1) > 800))
+}
+poll 10 "the console comes to the front with the cue list's footer" footer_visible
+click $((gx + list - 10 - 32 - 6 - 16)) "$export_y"
+poll 15 "the CSV report is written" file_there "$reports/Rapport_*.csv"
+click $((gx + list - 10 - 16)) "$export_y"
+poll 15 "the PDF rundown is written" file_there "$reports/Rundown_*.pdf"
+snap
+keep exports
+grep -qF "$reports" "$work/revealed" 2>/dev/null || fail "the exports did not show their folder"
+log "report and rundown exported"
+
+# "Projets": saved, back to the library, the project listed with its detail line.
+read -r x y < <(top_bar_buttons | head -n 1 | centre_of)
+click "$x" "$y"
+row_with_detail() {
+    library_shows || return 1
+    local row
+    row=$(library_row) || return 1
+    read -r rx ry rw rh <<<"$row"
+    # Its name, white, over its detail line (date, cues, length), grey.
+    (($(pixels count "$work/now.ppm" $((rx + 50)) "$ry" 400 $((rh / 2)) $text_primary 30) > 100)) &&
+        (($(pixels count "$work/now.ppm" $((rx + 50)) $((ry + rh / 2)) 400 $((rh / 2)) $text_secondary 30) > 60))
+}
+poll 20 "\"Projets\" shows the library with the project's row and detail line" row_with_detail
+keep library-project
+poll 5 "the project is saved with its three cues" \
+    saved_show_is "$project_name" "Keynote 20 min" "Pitch express" "Q&A 10 min"
+log "back in the library, project saved"
+
+quit_program
+log "quit with Ctrl+Q"
+
+# A second launch: the library lists the project.
+launch
+poll 60 "the splash shows again" splash_shows
+click $((gx + gw / 2)) $((gy + gh / 2))
+poll 30 "the library lists the project after a relaunch" row_with_detail
+keep relaunch-library
+log "the library lists the project after a relaunch"
+
+# The exports' contents.
+csv=$(compgen -G "$reports/Rapport_*.csv")
+pdf=$(compgen -G "$reports/Rundown_*.pdf")
+log "reports: $(ls "$reports" | tr '\n' ' ')"
+grep -q "^Projet;$project_name" "$csv" || fail "the report does not name the project"
+grep -q "^Pitch express;60;" "$csv" || fail "the report does not log the 1-min cue"
+grep -q "^Q&A 10 min;600;" "$csv" || fail "the report does not log the cue that followed"
+pdftotext -layout "$pdf" "$work/rundown.txt"
+for text in "$project_name" "Keynote 20 min" "Pitch express" "Q&A 10 min" "3 cues"; do
+    grep -qF "$text" "$work/rundown.txt" || fail "the rundown lacks \"$text\""
+done
+
+quit_program
+log "passed in $(seconds $(($(now_ms) - started))) s"
