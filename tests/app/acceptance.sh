@@ -11,7 +11,7 @@
 #   2. "Nouveau projet", a name, "Créer le projet": the console opens with the starter cue;
 #   3. two cues added from the templates; one renamed, cut to 1 min with its warning at 30 s
 #      and auto-follow on, in the cue editor; saved with Ctrl+S;
-#   4. the settings: alerts on "Retour scène", OSC in and out (see configure_settings);
+#   4. the settings window: alerts on "Retour scène", OSC in and out on free ports, applied;
 #   5. the stage sent full screen to the second monitor, the confidence window opened; Space
 #      starts the edited cue: its name and time go out over OSC, the stage's digits are green,
 #      then yellow 30 s later with the warning's bell on "Retour scène" and nothing on "Régie";
@@ -174,22 +174,59 @@ reports=$HOME/Documents/Kairon/Reports
 
 # ---- Step 4: the settings -------------------------------------------------------------------
 
-# TODO: replace with real clicks in the settings window (Ctrl+, or the console's gear button;
-# tabs "Général", "OSC", "Session", "À propos") once it exists, and call it after step 3 instead
-# of before the first launch. Until then the settings are written where the program reads them
-# at launch: the alerts on the output "Retour scène" (kairon_stage), OSC received on
-# $listen_port and sent to 127.0.0.1:$send_port.
+# The settings window (520x460, fixed) where the window manager put it: wx wy.
+settings_window() {
+    local id gx gy gw gh
+    id=$(window_id '^Réglages$')
+    [[ -n "$id" ]] || return 1
+    geometry "$id"
+    wx=$gx wy=$gy
+    ((gw == 520 && gh == 460))
+}
+# What the settings wrote in the preferences file.
+stored() { grep -qxF "$1" "$XDG_CONFIG_HOME/Kairon/Kairon.conf" 2>/dev/null; }
+# The OSC tab's status line: its check-mark icon, green, at the line's left.
+osc_listening_line() {
+    snap
+    (($(pixels count "$work/now.ppm" $((wx + 18)) $((wy + 276)) 24 26 46,204,113 8) > 60))
+}
+# Replaces the text of the field at X Y (in the window) with TEXT, as a person would.
+retype() {
+    click $((wx + $1)) $((wy + $2))
+    press ctrl+a BackSpace
+    xdotool type --delay 40 "$3"
+}
+
+# Opened from the console with Ctrl+,; the places of its controls come from its QML layout (tabs
+# along the top, each tab's content 20 from the edges).
 configure_settings() {
-    mkdir -p "$XDG_CONFIG_HOME/Kairon"
-    cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-oscListenEnabled=true
-oscListenPort=$listen_port
-oscSendEnabled=true
-oscSendHost=127.0.0.1
-oscSendPort=$send_port
-alertOutputUID=kairon_stage
-CONF
+    press ctrl+comma
+    poll 20 "Ctrl+, opens the settings" settings_window
+    snap
+    keep settings-opened
+    # "Général": the alert output menu, opened with a click; "Retour scène" is its third entry,
+    # after the system output and "Régie".
+    click $((wx + 150)) $((wy + 129))
+    press Down Down Return
+    poll 10 "the alerts' output is stored as Retour scène" stored "alertOutputUID=kairon_stage"
+    snap
+    keep settings-alert-output
+    # "OSC": receiving on, its port; sending on, its port; applied.
+    click $((wx + 196)) $((wy + 32))
+    click $((wx + 38)) $((wy + 96))
+    poll 10 "receiving OSC is stored as on" stored "oscListenEnabled=true"
+    retype 112 128 "$listen_port"
+    click $((wx + 38)) $((wy + 166))
+    poll 10 "sending OSC is stored as on" stored "oscSendEnabled=true"
+    retype 340 198 "$send_port"
+    poll 10 "the receiving port is stored" stored "oscListenPort=$listen_port"
+    poll 10 "the sending port is stored" stored "oscSendPort=$send_port"
+    click $((wx + 133)) $((wy + 244))
+    poll 10 "the status line says OSC listens" osc_listening_line
+    keep settings-osc-applied
+    # Closed as any window, with the window manager's key.
+    press alt+F4
+    poll 10 "the settings close" bash -c "! xdotool search --onlyvisible --name '^Réglages$' >/dev/null"
 }
 
 # ---- The program's windows, read on the screen -----------------------------------------------
@@ -368,10 +405,6 @@ quit_program() {
 
 # ---- The show -------------------------------------------------------------------------------
 
-# Step 4, for now before the first launch. TODO: move this call after step 3 (after
-# "keep three-cues") once configure_settings clicks through the settings window.
-configure_settings
-
 oscdump -L "$send_port" >"$work/osc.txt" 2>&1 &
 helper_pids+=($!)
 
@@ -464,6 +497,10 @@ poll 10 "Ctrl+S saves the three cues, the edited one 1 min with auto-follow" \
 snap
 keep three-cues
 log "cue edited to 1 min with auto-follow, saved"
+
+# Step 4: the alerts on "Retour scène", OSC in and out, applied.
+configure_settings
+log "settings: alerts on Retour scène, OSC on ports $listen_port and $send_port, applied"
 
 # Step 5: the stage, full screen on the second monitor through the menu beside "Stage" (the
 # main display, then the second one), and the confidence window.
