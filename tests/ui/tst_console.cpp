@@ -122,6 +122,26 @@ private slots:
         QCOMPARE(c.engine.session().cues[0].duration, first.duration);
     }
 
+    // A "&" in a template's name is shown as such, not taken as a key mnemonic that would hide it.
+    void anAmpersandInATemplateNameIsShownAsTyped()
+    {
+        Console c({});
+        c.click("addCue");
+        QTRY_VERIFY(c.shown("addTemplate2"));
+        QCOMPARE(c.engine.templates()[2].name, QStringLiteral("Q&A 10 min"));
+        QQuickItem *entry = c.item("addTemplate2");
+        QCOMPARE(entry->property("text").toString(), QStringLiteral("Q&&A 10 min · 10:00"));
+        // What the entry draws is as wide as the name written plainly in the same font: the
+        // "&" is drawn, and no letter is taken for a mnemonic.
+        QQuickItem *label = entry->property("contentItem").value<QQuickItem *>();
+        QQmlComponent component(&c.qml);
+        component.setData("import QtQuick\nText { textFormat: Text.PlainText }", QUrl());
+        std::unique_ptr<QObject> plain(component.create());
+        plain->setProperty("font", label->property("font"));
+        plain->setProperty("text", QStringLiteral("Q&A 10 min · 10:00"));
+        QVERIFY(qAbs(label->implicitWidth() - plain->property("implicitWidth").toDouble()) < 1);
+    }
+
     // The time's colour at each threshold, read from the pixels of its digits.
     void theTimeTakesTheStateColour()
     {

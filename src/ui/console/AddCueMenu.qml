@@ -26,7 +26,7 @@ Menu {
             required property string modelData
             required property int index
             objectName: "addTemplate" + index
-            text: modelData
+            text: modelData.replace(/&/g, "&&") // shown as typed, not as a key mnemonic ("Q&A")
             onTriggered: menu.console.addCueFromTemplate(index)
         }
     }

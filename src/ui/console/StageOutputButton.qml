@@ -29,12 +29,15 @@ Row {
         symbol: "chevron.down"
         iconSize: 14
         fill: AppTheme.bgElevated
-        onClicked: displayMenu.popup(more, 0, more.height + 4)
+        // Under the arrow, its right edge on the arrow's: the window's edge is close.
+        onClicked: displayMenu.popup(more, more.width - displayMenu.width, more.height + 4)
     }
 
     Menu {
         id: displayMenu
         objectName: "stageDisplayMenu"
+        width: 320 // a display's whole name and "(principal)"
+        margins: 8
         Instantiator {
             model: root.displays
             onObjectAdded: (index, item) => displayMenu.insertItem(index, item)
@@ -42,7 +45,8 @@ Row {
             delegate: MenuItem {
                 required property var modelData
                 objectName: "stageDisplay" + modelData.id
-                text: "Plein écran sur : " + modelData.name + (modelData.isMain ? " (principal)" : "")
+                text: ("Plein écran sur : " + modelData.name + (modelData.isMain ? " (principal)" : ""))
+                      .replace(/&/g, "&&") // a "&" in a name is no key mnemonic
                 onTriggered: {
                     root.openStage();
                     root.console.sendStageTo(modelData.id);
