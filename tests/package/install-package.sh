@@ -61,7 +61,7 @@ chmod 644 "$deb"
 echo "package: $(basename "$deb")"
 
 # lintian: no error. Its warnings are shown.
-if ! lintian --fail-on error --no-tag-display-limit "$deb" > "$dir/lintian.log" 2>&1; then
+if ! lintian --fail-on error --tag-display-limit 0 "$deb" > "$dir/lintian.log" 2>&1; then
     cat "$dir/lintian.log"
     fail "lintian finds errors in the package"
 fi
