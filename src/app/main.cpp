@@ -18,7 +18,9 @@
 #include "systemclock.h"
 #include "timerengine.h"
 #include "toastcenter.h"
+#include "webserver.h"
 
+#include <QDebug>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
@@ -51,6 +53,14 @@ int main(int argc, char *argv[])
             StartupTrace::mark("osc-listening");
     });
     network.attach(&engine);
+    WebServer web(engine, clock);
+    QObject::connect(&web, &WebServer::webStatusChanged, [&web] {
+        if (web.webStatus())
+            qWarning().noquote() << "kairon-web:" << *web.webStatus();
+    });
+    web.applyWebSettings();
+    if (web.serverPort() != 0)
+        StartupTrace::mark("web-listening");
     DisplayClock displayClock(clock);
     ScreenManager screens(clock);
     AppFlowState flow;

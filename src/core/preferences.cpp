@@ -1,5 +1,6 @@
 #include "preferences.h"
 
+#include <QRandomGenerator>
 #include <QSettings>
 
 namespace {
@@ -12,6 +13,10 @@ const QString oscSendHost = QStringLiteral("oscSendHost");
 const QString oscSendPort = QStringLiteral("oscSendPort");
 const QString splashDuration = QStringLiteral("splashDuration");
 const QString alertOutputUID = QStringLiteral("alertOutputUID");
+const QString webEnabled = QStringLiteral("webEnabled");
+const QString webPort = QStringLiteral("webPort");
+const QString webInterface = QStringLiteral("webInterface");
+const QString webAccessCode = QStringLiteral("webAccessCode");
 } // namespace Key
 
 QVariant read(const QString &key, const QVariant &whenNeverStored)
@@ -34,6 +39,29 @@ int Preferences::oscSendPort() { return read(Key::oscSendPort, 53101).toInt(); }
 double Preferences::splashDuration() { return read(Key::splashDuration, 10.0).toDouble(); }
 QString Preferences::alertOutputUID() { return read(Key::alertOutputUID, QString()).toString(); }
 
+bool Preferences::webEnabled() { return read(Key::webEnabled, false).toBool(); }
+int Preferences::webPort() { return read(Key::webPort, 8080).toInt(); }
+QString Preferences::webInterface() { return read(Key::webInterface, QString()).toString(); }
+
+QString Preferences::webAccessCode()
+{
+    QString code = read(Key::webAccessCode, QString()).toString();
+    if (code.isEmpty()) {
+        code = makeWebAccessCode();
+        write(Key::webAccessCode, code);
+    }
+    return code;
+}
+
+QString Preferences::makeWebAccessCode()
+{
+    static constexpr char alphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+    QString code;
+    for (int i = 0; i < 8; ++i)
+        code.append(QLatin1Char(alphabet[QRandomGenerator::system()->bounded(32)]));
+    return code;
+}
+
 void Preferences::setOscListenEnabled(bool on) { write(Key::oscListenEnabled, on); }
 void Preferences::setOscListenPort(int port) { write(Key::oscListenPort, port); }
 void Preferences::setOscSendEnabled(bool on) { write(Key::oscSendEnabled, on); }
@@ -41,6 +69,10 @@ void Preferences::setOscSendHost(const QString &host) { write(Key::oscSendHost, 
 void Preferences::setOscSendPort(int port) { write(Key::oscSendPort, port); }
 void Preferences::setSplashDuration(double seconds) { write(Key::splashDuration, seconds); }
 void Preferences::setAlertOutputUID(const QString &uid) { write(Key::alertOutputUID, uid); }
+void Preferences::setWebEnabled(bool on) { write(Key::webEnabled, on); }
+void Preferences::setWebPort(int port) { write(Key::webPort, port); }
+void Preferences::setWebInterface(const QString &address) { write(Key::webInterface, address); }
+void Preferences::setWebAccessCode(const QString &code) { write(Key::webAccessCode, code); }
 
 Preferences::OscSettings Preferences::storedOscSettings()
 {
@@ -57,4 +89,17 @@ Preferences::OscSettings Preferences::storedOscSettings()
 double Preferences::storedSplashDuration()
 {
     return read(Key::splashDuration, 0.0).toDouble();
+}
+
+Preferences::WebSettings Preferences::storedWebSettings()
+{
+    WebSettings stored;
+    {
+        const QSettings settings;
+        stored.enabled = settings.value(Key::webEnabled, false).toBool();
+        stored.port = settings.value(Key::webPort, 0).toInt();
+        stored.interfaceAddress = settings.value(Key::webInterface, QString()).toString();
+    }
+    stored.accessCode = webAccessCode();
+    return stored;
 }

@@ -19,6 +19,12 @@ public:
     static int oscSendPort();        // 53101
     static double splashDuration();  // 10.0 seconds
     static QString alertOutputUID(); // "": the system output
+    static bool webEnabled();        // false
+    static int webPort();            // 8080
+    static QString webInterface();   // "": every interface
+    // Made at random and stored the first time it is read, so the settings window and the
+    // server always agree on it.
+    static QString webAccessCode();
 
     static void setOscListenEnabled(bool on);
     static void setOscListenPort(int port);
@@ -27,6 +33,14 @@ public:
     static void setOscSendPort(int port);
     static void setSplashDuration(double seconds);
     static void setAlertOutputUID(const QString &uid);
+    static void setWebEnabled(bool on);
+    static void setWebPort(int port);
+    static void setWebInterface(const QString &address);
+    static void setWebAccessCode(const QString &code);
+
+    // A fresh access code: eight characters from an alphabet without the look-alikes 0/O and
+    // 1/I, easy to read aloud and to type on a phone (32^8, about 10^12 codes).
+    static QString makeWebAccessCode();
 
     // ---- Raw, for the readers outside the settings window ----
     struct OscSettings {
@@ -39,5 +53,15 @@ public:
         bool operator==(const OscSettings &) const = default;
     };
     static OscSettings storedOscSettings();
+
+    struct WebSettings {
+        bool enabled = false;
+        int port = 0;
+        QString interfaceAddress; // empty: every interface
+        QString accessCode;       // made and stored when it was never stored
+
+        bool operator==(const WebSettings &) const = default;
+    };
+    static WebSettings storedWebSettings();
     static double storedSplashDuration(); // 0 when never stored
 };

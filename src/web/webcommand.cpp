@@ -1,0 +1,182 @@
+#include "webcommand.h"
+
+#include "clock.h"
+#include "timerengine.h"
+
+#include <QJsonArray>
+#include <QJsonValue>
+
+#include <cmath>
+
+namespace {
+struct Name {
+    const char *text;
+    WebCommand::Kind kind;
+};
+constexpr Name names[] = {
+    {"play", WebCommand::Kind::Play},       {"pause", WebCommand::Kind::Pause},
+    {"stop", WebCommand::Kind::Stop},       {"next", WebCommand::Kind::Next},
+    {"prev", WebCommand::Kind::Prev},       {"reset", WebCommand::Kind::Reset},
+    {"blackout", WebCommand::Kind::Blackout}, {"blink", WebCommand::Kind::Blink},
+    {"message", WebCommand::Kind::Message}, {"adjust", WebCommand::Kind::Adjust},
+    {"start", WebCommand::Kind::Start},
+};
+
+// Largest adjustment accepted in one command, seconds: a day either way.
+constexpr double maxAdjustSeconds = 86400;
+} // namespace
+
+bool WebCommand::isCommandName(const QString &name)
+{
+    for (const Name &n : names)
+        if (name == QLatin1StringView(n.text))
+            return true;
+    return false;
+}
+
+std::optional<WebCommand> WebCommand::decode(const QString &name, const QJsonObject &body,
+                                             QString *error)
+{
+    WebCommand command;
+    bool known = false;
+    for (const Name &n : names) {
+        if (name == QLatin1StringView(n.text)) {
+            command.kind = n.kind;
+            known = true;
+        }
+    }
+    auto fail = [error](const QString &reason) -> std::optional<WebCommand> {
+        if (error)
+            *error = reason;
+        return std::nullopt;
+    };
+    if (!known)
+        return fail(QStringLiteral("Commande inconnue : « %1 »").arg(name));
+
+    switch (command.kind) {
+    case Kind::Message: {
+        const QJsonValue text = body.value(QLatin1StringView("text"));
+        if (text.isString())
+            command.text = text.toString();
+        else if (!text.isNull())
+            return fail(QStringLiteral("« text » doit être un texte ou null"));
+        const QJsonValue urgent = body.value(QLatin1StringView("urgent"));
+        if (!urgent.isUndefined() && !urgent.isBool())
+            return fail(QStringLiteral("« urgent » doit être un booléen"));
+        command.urgent = urgent.toBool(false);
+        break;
+    }
+    case Kind::Adjust: {
+        const QJsonValue seconds = body.value(QLatin1StringView("seconds"));
+        if (!seconds.isDouble() || !std::isfinite(seconds.toDouble())
+            || std::abs(seconds.toDouble()) > maxAdjustSeconds)
+            return fail(QStringLiteral("« seconds » doit être un nombre de secondes (±86400 au plus)"));
+        command.seconds = seconds.toDouble();
+        break;
+    }
+    case Kind::Start: {
+        const QJsonValue index = body.value(QLatin1StringView("index"));
+        const double value = index.toDouble(-1);
+        if (!index.isDouble() || value != std::floor(value) || value < 0 || value > 1e6)
+            return fail(QStringLiteral("« index » doit être un entier positif ou nul"));
+        command.index = int(value);
+        break;
+    }
+    default:
+        break;
+    }
+    return command;
+}
+
+void applyWebCommand(TimerEngine &engine, const WebCommand &command)
+{
+    using Kind = WebCommand::Kind;
+    switch (command.kind) {
+    case Kind::Play:
+        engine.start();
+        break;
+    case Kind::Pause:
+        engine.pause();
+        break;
+    case Kind::Stop:
+        engine.stop();
+        break;
+    case Kind::Next:
+        engine.next();
+        break;
+    case Kind::Prev:
+        engine.previous();
+        break;
+    case Kind::Reset:
+        engine.reset();
+        break;
+    case Kind::Blackout:
+        // A toggle; the flag calls no state hook itself, so OSC output is told here.
+        engine.setBlackout(!engine.blackout());
+        if (engine.onStateChange())
+            engine.onStateChange()(engine.snapshot());
+        break;
+    case Kind::Blink:
+        engine.triggerBlink(3.0);
+        break;
+    case Kind::Message:
+        engine.sendMessage(command.text, command.urgent);
+        break;
+    case Kind::Adjust:
+        engine.adjust(command.seconds);
+        break;
+    case Kind::Start:
+        if (command.index < engine.session().cues.size())
+            engine.start(command.index);
+        break;
+    }
+}
+
+qint64 msUntilShownSecondChanges(double remaining)
+{
+    if (!std::isfinite(remaining))
+        return 1000;
+    if (remaining >= 0)
+        return qint64(std::llround((remaining - std::floor(remaining)) * 1000.0));
+    const double magnitude = -remaining;
+    return qint64(std::llround((std::floor(magnitude) + 1.0 - magnitude) * 1000.0));
+}
+
+QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock)
+{
+    const TimerStateSnapshot snapshot = engine.snapshot();
+    QJsonObject doc = snapshot.toJson();
+    const qint64 nowMs = clock.now().toMSecsSinceEpoch();
+
+    QJsonArray cues;
+    const std::optional<int> active = engine.activeCueIndex();
+    const QList<Cue> &list = engine.session().cues;
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        const Cue &cue = list[i];
+        cues.append(QJsonObject{
+            {QLatin1StringView("name"), cue.name},
+            {QLatin1StringView("speaker"), cue.speaker},
+            {QLatin1StringView("duration"), cue.duration},
+            {QLatin1StringView("colorHex"),
+             cue.colorHex ? QJsonValue(*cue.colorHex) : QJsonValue(QJsonValue::Null)},
+            {QLatin1StringView("active"), active && *active == i},
+        });
+    }
+    doc.insert(QLatin1StringView("sessionName"), engine.sessionName());
+    doc.insert(QLatin1StringView("cues"), cues);
+    doc.insert(QLatin1StringView("activeCueIndex"),
+               active ? QJsonValue(*active) : QJsonValue(QJsonValue::Null));
+    doc.insert(QLatin1StringView("blinkActive"), engine.blinkActive());
+    const std::optional<QDateTime> doors = engine.doorsTarget();
+    doc.insert(QLatin1StringView("doorsTargetMs"),
+               doors ? QJsonValue(double(doors->toMSecsSinceEpoch())) : QJsonValue(QJsonValue::Null));
+
+    // The clock runs down only while a cue runs unpaused and unfrozen; otherwise the shown
+    // second stays until the next push.
+    const bool counting = snapshot.running && !snapshot.paused && !snapshot.freeze;
+    doc.insert(QLatin1StringView("nextSecondAtMs"),
+               counting ? QJsonValue(double(nowMs + msUntilShownSecondChanges(snapshot.remaining)))
+                        : QJsonValue(QJsonValue::Null));
+    doc.insert(QLatin1StringView("serverTimeMs"), double(nowMs));
+    return doc;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+#include <optional>
+
+class Clock;
+class TimerEngine;
+
+// One remote command, decoded from an HTTP body or a WebSocket message.
+struct WebCommand {
+    enum class Kind { Play, Pause, Stop, Next, Prev, Reset, Blackout, Blink, Message, Adjust, Start };
+    Kind kind = Kind::Play;
+    std::optional<QString> text; // message: null clears the message on air
+    bool urgent = false;         // message
+    double seconds = 0;          // adjust
+    int index = 0;               // start: the cue's row
+
+    // Decodes `name` with the fields it needs from `body`; nothing when the name is unknown or
+    // a field is missing or of the wrong type, with a French reason in `error`.
+    static std::optional<WebCommand> decode(const QString &name, const QJsonObject &body,
+                                            QString *error);
+    // Whether `name` is a command at all (to tell 404 from 400).
+    static bool isCommandName(const QString &name);
+};
+
+// Applies a command as the console and OSC do: blackout toggles, blink lasts 3 seconds.
+void applyWebCommand(TimerEngine &engine, const WebCommand &command);
+
+// The state document of GET /api/state and of every WebSocket push: the snapshot's fields, the
+// cue list and the instants a page needs to count by itself (see the README).
+QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock);
+
+// Milliseconds from now until the shown whole second of `remaining` changes, for a clock that
+// runs down at one second per second. The display truncates toward zero ("-00:00" for -0.4).
+qint64 msUntilShownSecondChanges(double remaining);

@@ -1,0 +1,280 @@
+#include "webserver.h"
+
+#include "clock.h"
+#include "preferences.h"
+#include "requestgate.h"
+#include "timerengine.h"
+#include "webcommand.h"
+
+#include <QHostAddress>
+#include <QHttpServerRequest>
+#include <QHttpServerResponse>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonParseError>
+#include <QWebSocket>
+
+#include <cmath>
+
+namespace {
+QHttpServerResponse jsonError(QHttpServerResponse::StatusCode status, const QString &message)
+{
+    return QHttpServerResponse(QJsonObject{{QStringLiteral("error"), message}}, status);
+}
+
+QJsonObject errorObject(const QString &message)
+{
+    return QJsonObject{{QStringLiteral("error"), message}};
+}
+
+const QString wrongCode = QStringLiteral("Code d'accès manquant ou incorrect");
+} // namespace
+
+WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
+    : QObject(parent), m_engine(engine), m_clock(clock)
+{
+    // Every signal of displayed state; pushState() leaves out the ticks that change no shown second.
+    for (auto signal : {&TimerEngine::sessionChanged, &TimerEngine::activeCueChanged,
+                        &TimerEngine::runStateChanged, &TimerEngine::clockChanged,
+                        &TimerEngine::messageChanged, &TimerEngine::blackoutChanged,
+                        &TimerEngine::freezeChanged, &TimerEngine::clockModeChanged,
+                        &TimerEngine::blinkActiveChanged, &TimerEngine::doorsChanged})
+        connect(&engine, signal, this, &WebServer::schedulePush);
+}
+
+WebServer::~WebServer()
+{
+    stopServing();
+}
+
+void WebServer::setRequestTimeoutMs(int ms)
+{
+    m_timeoutMs = ms;
+    if (m_gate)
+        m_gate->setRequestTimeoutMs(ms);
+}
+
+quint16 WebServer::serverPort() const
+{
+    return m_gate && m_gate->isListening() ? m_gate->serverPort() : 0;
+}
+
+QVariant WebServer::webStatusVariant() const
+{
+    return m_status ? QVariant(*m_status) : QVariant();
+}
+
+void WebServer::setStatus(const std::optional<QString> &status)
+{
+    if (status == m_status)
+        return;
+    m_status = status;
+    emit webStatusChanged();
+}
+
+void WebServer::stopServing()
+{
+    for (QWebSocket *viewer : std::as_const(m_viewers)) {
+        viewer->disconnect(this);
+        viewer->abort();
+        viewer->deleteLater();
+    }
+    m_viewers.clear();
+    delete m_http; // owns the gate once bound
+    m_http = nullptr;
+}
+
+void WebServer::applyWebSettings()
+{
+    const Preferences::WebSettings stored = Preferences::storedWebSettings();
+    m_accessCode = stored.accessCode;
+    stopServing();
+    if (!stored.enabled || stored.port < 1 || stored.port > 65535) {
+        setStatus(std::nullopt);
+        return;
+    }
+    QHostAddress address(QHostAddress::Any);
+    if (!stored.interfaceAddress.isEmpty() && !address.setAddress(stored.interfaceAddress)) {
+        setStatus(QStringLiteral("Adresse %1 invalide").arg(stored.interfaceAddress));
+        return;
+    }
+    auto *gate = new RequestGate;
+    gate->setRequestTimeoutMs(m_timeoutMs);
+    if (!gate->listen(address, quint16(stored.port))) {
+        setStatus(QStringLiteral("Port %1 indisponible (%2)")
+                      .arg(stored.port)
+                      .arg(gate->errorString()));
+        delete gate;
+        return;
+    }
+    m_http = new QHttpServer(this);
+    setUpRoutes();
+    m_http->bind(gate); // the server takes the gate as its child
+    m_gate = gate;
+    connect(m_http, &QHttpServer::newWebSocketConnection, this, &WebServer::acceptViewers);
+    setStatus(std::nullopt);
+}
+
+void WebServer::setUpRoutes()
+{
+    m_http->route(QStringLiteral("/api/<arg>"),
+                  [this](const QString &name, const QHttpServerRequest &request) {
+                      return handleApi(name, request);
+                  });
+    m_http->setMissingHandler([](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
+        const QByteArray body = QJsonDocument(errorObject(
+            QStringLiteral("Chemin inconnu : %1").arg(request.url().path()))).toJson(QJsonDocument::Compact);
+        responder.write(body, "application/json", QHttpServerResponder::StatusCode::NotFound);
+    });
+}
+
+bool WebServer::authorised(const QByteArray &code) const
+{
+    return !m_accessCode.isEmpty() && code.trimmed() == m_accessCode.toUtf8();
+}
+
+QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerRequest &request)
+{
+    using Status = QHttpServerResponse::StatusCode;
+    const auto method = request.method();
+    auto wrongMethod = [&](const char *allowed) {
+        QHttpServerResponse response = jsonError(
+            Status::MethodNotAllowed,
+            QStringLiteral("Méthode non autorisée pour /api/%1 (%2 attendu)")
+                .arg(name, QLatin1StringView(allowed)));
+        response.setHeader("Allow", allowed);
+        return response;
+    };
+    if (name == QLatin1StringView("state")) {
+        if (method != QHttpServerRequest::Method::Get)
+            return wrongMethod("GET");
+        return QHttpServerResponse(webStateDocument(m_engine, m_clock));
+    }
+    if (name == QLatin1StringView("ws"))
+        return jsonError(Status::BadRequest,
+                         QStringLiteral("/api/ws attend une connexion WebSocket"));
+    if (!WebCommand::isCommandName(name))
+        return jsonError(Status::NotFound, QStringLiteral("Chemin inconnu : /api/%1").arg(name));
+    if (method != QHttpServerRequest::Method::Post)
+        return wrongMethod("POST");
+
+    const QByteArray authorization = request.value("Authorization");
+    if (!authorization.startsWith("Bearer ") || !authorised(authorization.mid(7)))
+        return jsonError(Status::Unauthorized, wrongCode);
+
+    QJsonObject body;
+    const QByteArray raw = request.body();
+    if (!raw.trimmed().isEmpty()) {
+        QJsonParseError parseError;
+        const QJsonDocument document = QJsonDocument::fromJson(raw, &parseError);
+        if (parseError.error != QJsonParseError::NoError || !document.isObject())
+            return jsonError(Status::BadRequest,
+                             QStringLiteral("Corps invalide : un objet JSON est attendu"));
+        body = document.object();
+    }
+    QString error;
+    const std::optional<WebCommand> command = WebCommand::decode(name, body, &error);
+    if (!command)
+        return jsonError(Status::BadRequest, error);
+    applyWebCommand(m_engine, *command);
+    return QHttpServerResponse(webStateDocument(m_engine, m_clock));
+}
+
+void WebServer::acceptViewers()
+{
+    while (m_http && m_http->hasPendingWebSocketConnections()) {
+        QWebSocket *viewer = m_http->nextPendingWebSocketConnection().release();
+        if (viewer->requestUrl().path() != QLatin1StringView("/api/ws")) {
+            viewer->close(QWebSocketProtocol::CloseCodePolicyViolated,
+                          QStringLiteral("Chemin inconnu"));
+            viewer->deleteLater();
+            continue;
+        }
+        viewer->setParent(this);
+        m_viewers.append(viewer);
+        connect(viewer, &QWebSocket::textMessageReceived, this,
+                [this, viewer](const QString &text) { handleViewerMessage(viewer, text); });
+        connect(viewer, &QWebSocket::binaryMessageReceived, this, [viewer] {
+            viewer->sendTextMessage(QString::fromUtf8(QJsonDocument(errorObject(
+                QStringLiteral("Message binaire refusé : un objet JSON texte est attendu")))
+                                                          .toJson(QJsonDocument::Compact)));
+        });
+        connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
+            m_viewers.removeOne(viewer);
+            viewer->deleteLater();
+        });
+        // A new viewer gets the current state at once.
+        viewer->sendTextMessage(QString::fromUtf8(
+            QJsonDocument(webStateDocument(m_engine, m_clock)).toJson(QJsonDocument::Compact)));
+    }
+}
+
+void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
+{
+    auto reply = [viewer](const QJsonObject &object) {
+        viewer->sendTextMessage(
+            QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
+    };
+    if (text.size() > RequestGate::maxRequestBytes) {
+        reply(errorObject(QStringLiteral("Message trop volumineux (64 Kio au plus)")));
+        return;
+    }
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &parseError);
+    if (parseError.error != QJsonParseError::NoError || !document.isObject()) {
+        reply(errorObject(QStringLiteral("Message invalide : un objet JSON est attendu")));
+        return;
+    }
+    const QJsonObject message = document.object();
+    const QJsonValue name = message.value(QLatin1StringView("command"));
+    if (!name.isString()) {
+        reply(errorObject(QStringLiteral("« command » manque ou n'est pas un texte")));
+        return;
+    }
+    if (!WebCommand::isCommandName(name.toString())) {
+        reply(errorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
+        return;
+    }
+    if (!authorised(message.value(QLatin1StringView("code")).toString().toUtf8())) {
+        reply(errorObject(wrongCode));
+        return;
+    }
+    QString error;
+    const std::optional<WebCommand> command = WebCommand::decode(name.toString(), message, &error);
+    if (!command) {
+        reply(errorObject(error));
+        return;
+    }
+    applyWebCommand(m_engine, *command);
+}
+
+void WebServer::schedulePush()
+{
+    if (m_pushScheduled || m_viewers.isEmpty())
+        return;
+    m_pushScheduled = true;
+    QMetaObject::invokeMethod(this, &WebServer::pushState, Qt::QueuedConnection);
+}
+
+void WebServer::pushState()
+{
+    m_pushScheduled = false;
+    if (m_viewers.isEmpty())
+        return;
+    const QJsonObject document = webStateDocument(m_engine, m_clock);
+    // Ticks move the clock ten times a second; a push is due only when what a viewer shows
+    // changes: any field but the running clock's, or the whole second shown.
+    QJsonObject key = document;
+    for (const char *moving : {"remaining", "elapsed", "progress", "serverTimeMs", "nextSecondAtMs"})
+        key.remove(QLatin1StringView(moving));
+    key.insert(QLatin1StringView("shownSecond"), std::trunc(m_engine.snapshot().remaining));
+    key.insert(QLatin1StringView("counting"), document.value(QLatin1StringView("nextSecondAtMs")).isDouble());
+    const QByteArray keyBytes = QJsonDocument(key).toJson(QJsonDocument::Compact);
+    if (keyBytes == m_lastPushedKey)
+        return;
+    m_lastPushedKey = keyBytes;
+    const QString text = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
+    for (QWebSocket *viewer : std::as_const(m_viewers))
+        viewer->sendTextMessage(text);
+    emit statePushed();
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHttpServer>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QVariant>
+
+#include <optional>
+
+class Clock;
+class QHttpServerRequest;
+class QWebSocket;
+class RequestGate;
+class TimerEngine;
+
+// Binds remote control over HTTP and WebSocket to the engine: viewing the state is open,
+// every command needs the access code. Runs on the main thread; every handler returns at once.
+class WebServer : public QObject
+{
+    Q_OBJECT
+    // The server's last status text; null while serving works or nothing was asked.
+    Q_PROPERTY(QVariant webStatus READ webStatusVariant NOTIFY webStatusChanged FINAL)
+
+public:
+    // Both must outlive the server.
+    WebServer(TimerEngine &engine, Clock &clock, QObject *parent = nullptr);
+    ~WebServer() override;
+
+    // Reads the stored web preferences afresh and starts, moves or stops the server.
+    Q_INVOKABLE void applyWebSettings();
+
+    std::optional<QString> webStatus() const { return m_status; }
+    quint16 serverPort() const; // 0 while not serving
+    int viewerCount() const { return int(m_viewers.size()); }
+    // How long a client may take to send a whole request before it gets a 408.
+    void setRequestTimeoutMs(int ms);
+
+signals:
+    void webStatusChanged();
+    // After each push of the state to the WebSocket viewers (tests and benchmarks wait on it).
+    void statePushed();
+
+private:
+    QVariant webStatusVariant() const;
+    void setStatus(const std::optional<QString> &status);
+    void stopServing();
+    void setUpRoutes();
+    QHttpServerResponse handleApi(const QString &name, const QHttpServerRequest &request);
+    bool authorised(const QByteArray &code) const;
+    void acceptViewers();
+    void handleViewerMessage(QWebSocket *viewer, const QString &text);
+    void schedulePush();
+    void pushState();
+
+    TimerEngine &m_engine;
+    Clock &m_clock;
+    QHttpServer *m_http = nullptr;
+    QPointer<RequestGate> m_gate;
+    int m_timeoutMs = 5000;
+    QString m_accessCode;
+    std::optional<QString> m_status;
+    QList<QWebSocket *> m_viewers;
+    bool m_pushScheduled = false;
+    QByteArray m_lastPushedKey; // what the viewers show, without the running clock's fractions
+};
