@@ -34,6 +34,14 @@ bool WebCommand::isCommandName(const QString &name)
     return false;
 }
 
+QStringList WebCommand::commandNames()
+{
+    QStringList list;
+    for (const Name &n : names)
+        list.append(QString::fromLatin1(n.text));
+    return list;
+}
+
 std::optional<WebCommand> WebCommand::decode(const QString &name, const QJsonObject &body,
                                              QString *error)
 {

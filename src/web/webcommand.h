@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -23,6 +24,7 @@ struct WebCommand {
                                             QString *error);
     // Whether `name` is a command at all (to tell 404 from 400).
     static bool isCommandName(const QString &name);
+    static QStringList commandNames();
 };
 
 // Applies a command as the console and OSC do: blackout toggles, blink lasts 3 seconds.

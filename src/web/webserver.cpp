@@ -27,6 +27,11 @@ QJsonObject errorObject(const QString &message)
     return QJsonObject{{QStringLiteral("error"), message}};
 }
 
+QByteArray errorBody(const QString &message)
+{
+    return QJsonDocument(errorObject(message)).toJson(QJsonDocument::Compact);
+}
+
 const QString wrongCode = QStringLiteral("Code d'accès manquant ou incorrect");
 } // namespace
 
@@ -117,14 +122,26 @@ void WebServer::applyWebSettings()
 
 void WebServer::setUpRoutes()
 {
-    m_http->route(QStringLiteral("/api/<arg>"),
-                  [this](const QString &name, const QHttpServerRequest &request) {
-                      return handleApi(name, request);
+    QStringList names = WebCommand::commandNames();
+    names.append(QStringLiteral("state"));
+    for (const QString &name : std::as_const(names)) {
+        m_http->route(QStringLiteral("/api/") + name,
+                      [this, name](const QHttpServerRequest &request) {
+                          return handleApi(name, request);
+                      });
+    }
+    // Qt HTTP Server 6.4 upgrades a WebSocket request only when a route takes it, and only if
+    // that route writes no answer: the handshake is then left to the WebSocket server.
+    m_http->route(QStringLiteral("/api/ws"),
+                  [](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
+                      if (request.value("upgrade").compare("websocket", Qt::CaseInsensitive) == 0)
+                          return;
+                      responder.write(errorBody(QStringLiteral("/api/ws attend une connexion WebSocket")),
+                                      "application/json", QHttpServerResponder::StatusCode::BadRequest);
                   });
     m_http->setMissingHandler([](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
-        const QByteArray body = QJsonDocument(errorObject(
-            QStringLiteral("Chemin inconnu : %1").arg(request.url().path()))).toJson(QJsonDocument::Compact);
-        responder.write(body, "application/json", QHttpServerResponder::StatusCode::NotFound);
+        responder.write(errorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
+                        "application/json", QHttpServerResponder::StatusCode::NotFound);
     });
 }
 
@@ -150,11 +167,6 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
             return wrongMethod("GET");
         return QHttpServerResponse(webStateDocument(m_engine, m_clock));
     }
-    if (name == QLatin1StringView("ws"))
-        return jsonError(Status::BadRequest,
-                         QStringLiteral("/api/ws attend une connexion WebSocket"));
-    if (!WebCommand::isCommandName(name))
-        return jsonError(Status::NotFound, QStringLiteral("Chemin inconnu : /api/%1").arg(name));
     if (method != QHttpServerRequest::Method::Post)
         return wrongMethod("POST");
 
