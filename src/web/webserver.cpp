@@ -203,6 +203,9 @@ void WebServer::acceptViewers()
             continue;
         }
         viewer->setParent(this);
+        // A bigger message closes the connection (close code 1009) before it is buffered whole.
+        viewer->setMaxAllowedIncomingMessageSize(quint64(RequestGate::maxRequestBytes));
+        viewer->setMaxAllowedIncomingFrameSize(quint64(RequestGate::maxRequestBytes));
         m_viewers.append(viewer);
         connect(viewer, &QWebSocket::textMessageReceived, this,
                 [this, viewer](const QString &text) { handleViewerMessage(viewer, text); });
