@@ -145,9 +145,7 @@ geometry() {
     gh=$(awk '/Height:/ {print $NF}' <<<"$info")
 }
 
-free_udp_port() {
-    python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
-}
+free_udp_port() { "$tests/support/free-udp-port"; }
 
 # A user's session, as little of this machine's as possible: no session bus (the exports would
 # ask its file manager to show their file), French time.
