@@ -14,9 +14,7 @@ cleanup() {
 }
 trap cleanup EXIT
 
-free_udp_port() {
-    python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
-}
+free_udp_port() { "$(dirname "$0")/../support/free-udp-port"; }
 listen=$(free_udp_port)
 send=$(free_udp_port)
 
