@@ -32,6 +32,9 @@ QByteArray errorBody(const QString &message)
     return QJsonDocument(errorObject(message)).toJson(QJsonDocument::Compact);
 }
 
+// What a viewer may leave unread before it is dropped: hundreds of pushes.
+constexpr qint64 maxUnreadBytes = 1 << 20;
+
 const QString wrongCode = QStringLiteral("Code d'accès manquant ou incorrect");
 } // namespace
 
@@ -145,9 +148,20 @@ void WebServer::setUpRoutes()
     });
 }
 
-bool WebServer::authorised(const QByteArray &code) const
+std::optional<QString> WebServer::refusal(const QString &client, const QByteArray &code)
 {
-    return !m_accessCode.isEmpty() && code.trimmed() == m_accessCode.toUtf8();
+    const qint64 nowMs = m_clock.monotonicUs() / 1000;
+    auto lockedOut = [&] {
+        return QStringLiteral("Trop de codes d'accès erronés : réessayez dans %1 s")
+            .arg(m_guard.secondsLeft(client, nowMs));
+    };
+    if (m_guard.locked(client, nowMs))
+        return lockedOut();
+    if (!m_accessCode.isEmpty() && code.trimmed() == m_accessCode.toUtf8()) {
+        m_guard.recordSuccess(client);
+        return std::nullopt;
+    }
+    return m_guard.recordFailure(client, nowMs) ? lockedOut() : wrongCode;
 }
 
 QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerRequest &request)
@@ -171,8 +185,16 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
         return wrongMethod("POST");
 
     const QByteArray authorization = request.value("Authorization");
-    if (!authorization.startsWith("Bearer ") || !authorised(authorization.mid(7)))
-        return jsonError(Status::Unauthorized, wrongCode);
+    const QString client = request.remoteAddress().toString();
+    const QByteArray code = authorization.startsWith("Bearer ") ? authorization.mid(7) : QByteArray();
+    if (const std::optional<QString> refused = refusal(client, code)) {
+        if (*refused == wrongCode)
+            return jsonError(Status::Unauthorized, wrongCode);
+        QHttpServerResponse response = jsonError(Status::TooManyRequests, *refused);
+        response.setHeader("Retry-After",
+                           QByteArray::number(m_guard.secondsLeft(client, m_clock.monotonicUs() / 1000)));
+        return response;
+    }
 
     QJsonObject body;
     const QByteArray raw = request.body();
@@ -250,8 +272,9 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         reply(errorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
         return;
     }
-    if (!authorised(message.value(QLatin1StringView("code")).toString().toUtf8())) {
-        reply(errorObject(wrongCode));
+    if (const std::optional<QString> refused = refusal(
+            viewer->peerAddress().toString(), message.value(QLatin1StringView("code")).toString().toUtf8())) {
+        reply(errorObject(*refused));
         return;
     }
     QString error;
@@ -289,7 +312,16 @@ void WebServer::pushState()
         return;
     m_lastPushedKey = keyBytes;
     const QString text = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
-    for (QWebSocket *viewer : std::as_const(m_viewers))
-        viewer->sendTextMessage(text);
+    QList<QWebSocket *> stalled;
+    for (QWebSocket *viewer : std::as_const(m_viewers)) {
+        // A viewer that stopped reading (a phone asleep on a dead link) would make the server
+        // hold every push for it; past a bound it is dropped and its page reconnects.
+        if (viewer->bytesToWrite() > maxUnreadBytes)
+            stalled.append(viewer);
+        else
+            viewer->sendTextMessage(text);
+    }
+    for (QWebSocket *viewer : std::as_const(stalled))
+        viewer->abort(); // its disconnected() forgets it
     emit statePushed();
 }

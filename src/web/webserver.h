@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QVariant>
 
+#include "codeguard.h"
+
 #include <optional>
 
 class Clock;
@@ -48,7 +50,8 @@ private:
     void stopServing();
     void setUpRoutes();
     QHttpServerResponse handleApi(const QString &name, const QHttpServerRequest &request);
-    bool authorised(const QByteArray &code) const;
+    // Checks `code` for `client`, counting wrong codes; the French refusal when it fails.
+    std::optional<QString> refusal(const QString &client, const QByteArray &code);
     void acceptViewers();
     void handleViewerMessage(QWebSocket *viewer, const QString &text);
     void schedulePush();
@@ -60,6 +63,7 @@ private:
     QPointer<RequestGate> m_gate;
     int m_timeoutMs = 5000;
     QString m_accessCode;
+    CodeGuard m_guard;
     std::optional<QString> m_status;
     QList<QWebSocket *> m_viewers;
     bool m_pushScheduled = false;

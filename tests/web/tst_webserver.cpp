@@ -1,3 +1,4 @@
+#include "codeguard.h"
 #include "enginefixture.h"
 #include "preferences.h"
 #include "settingssandbox.h"
@@ -150,6 +151,87 @@ private slots:
         QCOMPARE(played->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 200);
         QVERIFY(f.engine.isRunning());
         QCOMPARE(QJsonDocument::fromJson(played->readAll()).object().value(u"running").toBool(), true);
+    }
+
+    void wrongCodesCountOnlyWithinTheirWindow()
+    {
+        CodeGuard guard;
+        const QString phone = QStringLiteral("192.168.1.20");
+        for (int i = 1; i < CodeGuard::maxFailures; ++i)
+            QVERIFY(!guard.recordFailure(phone, 1000 * i));
+        // The window opened at the first failure is over: counting starts again.
+        QVERIFY(!guard.recordFailure(phone, 1000 + CodeGuard::windowMs));
+        QVERIFY(!guard.locked(phone, 1000 + CodeGuard::windowMs));
+        // A right code clears the count.
+        for (int i = 1; i < CodeGuard::maxFailures - 1; ++i)
+            QVERIFY(!guard.recordFailure(phone, 70'000 + i));
+        guard.recordSuccess(phone);
+        QVERIFY(!guard.recordFailure(phone, 70'100));
+        QVERIFY(!guard.locked(phone, 70'100));
+        // Another address has its own count.
+        for (int i = 1; i < CodeGuard::maxFailures; ++i)
+            QVERIFY(!guard.recordFailure(QStringLiteral("192.168.1.21"), 80'000));
+        QVERIFY(guard.recordFailure(QStringLiteral("192.168.1.21"), 80'000));
+        QVERIFY(guard.locked(QStringLiteral("192.168.1.21"), 80'000));
+        QCOMPARE(guard.secondsLeft(QStringLiteral("192.168.1.21"), 80'001), 60);
+        QVERIFY(!guard.locked(phone, 80'000));
+    }
+
+    void guessingTheCodeLocksTheAddressOutForAMinute()
+    {
+        storeWebSettings(freePort());
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        WebServer server(f.engine, f.clock);
+        server.applyWebSettings();
+        auto answer = [&](const QByteArray &code) {
+            std::unique_ptr<QNetworkReply> reply(post(server.serverPort(), "play", {}, code));
+            if (!QTest::qWaitFor([&] { return reply->isFinished(); }, 5000))
+                return std::pair{0, QString()};
+            return std::pair{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
+                             QString::fromUtf8(reply->readAll())};
+        };
+        for (int i = 1; i < CodeGuard::maxFailures; ++i)
+            QCOMPARE(answer("WRONG").first, 401);
+        const QString locked = QStringLiteral(
+            "{\"error\":\"Trop de codes d'accès erronés : réessayez dans 60 s\"}");
+        QCOMPARE(answer("WRONG"), std::pair(429, locked));
+        // Locked out, even the right code is refused and the show does not move.
+        f.clock.advance(30s);
+        QCOMPARE(answer("CODE2345"), std::pair(429, QStringLiteral(
+            "{\"error\":\"Trop de codes d'accès erronés : réessayez dans 30 s\"}")));
+        QVERIFY(!f.engine.isRunning());
+        f.clock.advance(30s);
+        QCOMPARE(answer("CODE2345").first, 200);
+        QVERIFY(f.engine.isRunning());
+    }
+
+    void aViewerThatStopsReadingIsDroppedInsteadOfHoldingPushes()
+    {
+        storeWebSettings(freePort());
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        WebServer server(f.engine, f.clock);
+        server.applyWebSettings();
+        // A client that completes the handshake and then reads nothing more.
+        QTcpSocket stuck;
+        stuck.setReadBufferSize(1);
+        stuck.connectToHost(QHostAddress::LocalHost, server.serverPort());
+        QVERIFY(stuck.waitForConnected(5000));
+        stuck.write("GET /api/ws HTTP/1.1\r\nHost: x\r\nUpgrade: websocket\r\n"
+                    "Connection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
+                    "Sec-WebSocket-Version: 13\r\n\r\n");
+        QTRY_COMPARE(server.viewerCount(), 1);
+        // 50 KB messages, each one push: the kernel's buffers fill, then the server's own.
+        int pushes = 0;
+        while (server.viewerCount() == 1 && pushes < 2000) {
+            f.engine.sendMessage(QString(50'000, QChar(u'a' + pushes % 26)), false);
+            QSignalSpy pushed(&server, &WebServer::statePushed);
+            QVERIFY(pushed.wait(5000));
+            ++pushes;
+        }
+        QCOMPARE(server.viewerCount(), 0);
+        QVERIFY2(pushes > 20, qPrintable(QString::number(pushes))); // a full megabyte at least
     }
 
     void changesInOneTurnOfTheLoopMakeOnePush()
