@@ -96,7 +96,7 @@ std::optional<WebCommand> WebCommand::decode(const QString &name, const QJsonObj
     return command;
 }
 
-void applyWebCommand(TimerEngine &engine, const WebCommand &command)
+std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command)
 {
     using Kind = WebCommand::Kind;
     switch (command.kind) {
@@ -133,11 +133,18 @@ void applyWebCommand(TimerEngine &engine, const WebCommand &command)
     case Kind::Adjust:
         engine.adjust(command.seconds);
         break;
-    case Kind::Start:
-        if (command.index < engine.session().cues.size())
-            engine.start(command.index);
+    case Kind::Start: {
+        const qsizetype count = engine.session().cues.size();
+        if (command.index >= count)
+            return count == 0 ? QStringLiteral("Aucun cue dans le show")
+                              : QStringLiteral("Aucun cue à l'index %1 (de 0 à %2)")
+                                    .arg(command.index)
+                                    .arg(count - 1);
+        engine.start(command.index);
         break;
     }
+    }
+    return std::nullopt;
 }
 
 qint64 msUntilShownSecondChanges(double remaining)

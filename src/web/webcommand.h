@@ -27,8 +27,9 @@ struct WebCommand {
     static QStringList commandNames();
 };
 
-// Applies a command as the console and OSC do: blackout toggles, blink lasts 3 seconds.
-void applyWebCommand(TimerEngine &engine, const WebCommand &command);
+// Applies a command as the console and OSC do: blackout toggles, blink lasts 3 seconds. A
+// command the show cannot take (a row past the list) changes nothing and gives its French reason.
+std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command);
 
 // The state document of GET /api/state and of every WebSocket push: the snapshot's fields, the
 // cue list and the instants a page needs to count by itself (see the README).

@@ -210,7 +210,8 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     const std::optional<WebCommand> command = WebCommand::decode(name, body, &error);
     if (!command)
         return jsonError(Status::BadRequest, error);
-    applyWebCommand(m_engine, *command);
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
+        return jsonError(Status::BadRequest, *refused);
     return QHttpServerResponse(webStateDocument(m_engine, m_clock));
 }
 
@@ -283,7 +284,8 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         reply(errorObject(error));
         return;
     }
-    applyWebCommand(m_engine, *command);
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
+        reply(errorObject(*refused));
 }
 
 void WebServer::schedulePush()
