@@ -57,6 +57,17 @@ async def controller_checks():
         await next_where(ws, lambda m: "message" not in m)
 
 
+async def seconds_seen(ws, changes):
+    """The whole seconds a viewer is shown until it has seen `changes` of them change."""
+    seen = []
+    while len(seen) <= changes:
+        state = await next_where(ws, lambda m: m["running"] and not m["paused"])
+        shown = int(state["remaining"])
+        if not seen or shown != seen[-1]:
+            seen.append(shown)
+    return seen
+
+
 async def hundred_viewers():
     viewers = [await websockets.connect(url) for _ in range(VIEWERS)]
     try:
@@ -79,6 +90,15 @@ async def hundred_viewers():
                                                return_exceptions=True)
                 missed = sum(1 for r in results if isinstance(r, BaseException))
                 check(missed == 0, f"{missed} of {VIEWERS} viewers missed {command['command']}")
+            # While the cue runs, every viewer sees every shown second, one after the other:
+            # serving them never makes the engine skip a second.
+            await control.send(json.dumps({"command": "start", "index": 0, "code": code}))
+            runs = await asyncio.gather(*(seconds_seen(ws, 3) for ws in viewers),
+                                        return_exceptions=True)
+            for run in runs:
+                check(not isinstance(run, BaseException), f"a viewer stopped hearing: {run!r}")
+                check(run == list(range(run[0], run[0] - len(run), -1)), f"seconds skipped: {run}")
+            await control.send(json.dumps({"command": "stop", "code": code}))
     finally:
         await asyncio.gather(*(ws.close() for ws in viewers))
 
