@@ -6,6 +6,7 @@
 #include "tickphase.h"
 #include "timerengine.h"
 #include "webcommand.h"
+#include "webpages.h"
 
 #include <QHostAddress>
 #include <QHttpServerRequest>
@@ -13,6 +14,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
+#include <QRegularExpression>
 #include <QWebSocket>
 
 
@@ -39,6 +41,20 @@ QHttpServerResponse wrongMethod(const QString &path, const char *allowed)
         QStringLiteral("Méthode non autorisée pour %1 (%2 attendu)")
             .arg(path, QLatin1StringView(allowed)));
     response.setHeader("Allow", allowed);
+    return response;
+}
+
+QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &request)
+{
+    if (request.method() != QHttpServerRequest::Method::Get)
+        return wrongMethod(path, "GET");
+    const std::optional<WebAsset> asset = WebPages::asset(path);
+    if (!asset) // a font file missing from this system
+        return jsonError(QHttpServerResponse::StatusCode::NotFound,
+                         QStringLiteral("Chemin inconnu : %1").arg(path));
+    QHttpServerResponse response(asset->contentType, asset->body);
+    response.setHeader("Cache-Control", asset->cacheControl);
+    response.setHeader("X-Content-Type-Options", "nosniff");
     return response;
 }
 
@@ -149,6 +165,11 @@ void WebServer::setUpRoutes()
                       responder.write(errorBody(QStringLiteral("/api/ws attend une connexion WebSocket")),
                                       "application/json", QHttpServerResponder::StatusCode::BadRequest);
                   });
+    // The router reads a path as a regular expression: each page's is matched literally.
+    for (const QString &path : WebPages::paths()) {
+        m_http->route(QRegularExpression::escape(path),
+                      [path](const QHttpServerRequest &request) { return pageResponse(path, request); });
+    }
     m_http->setMissingHandler([](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
         responder.write(errorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
                         "application/json", QHttpServerResponder::StatusCode::NotFound);

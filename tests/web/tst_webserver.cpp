@@ -239,6 +239,52 @@ private slots:
         }
     }
 
+    void thePagesAreServedWithTheirTypesAndUnknownPathsGetTheJson404()
+    {
+        storeWebSettings(freePort());
+        EngineFixture f;
+        WebServer server(f.engine, f.clock);
+        server.applyWebSettings();
+        const quint16 port = server.serverPort();
+        const struct {
+            const char *path;
+            const char *type;
+            const char *caching;
+        } served[] = {
+            {"/", "text/html; charset=utf-8", "no-cache"},
+            {"/stage", "text/html; charset=utf-8", "no-cache"},
+            {"/confidence", "text/html; charset=utf-8", "no-cache"},
+            {"/pages/kairon.js", "text/javascript; charset=utf-8", "no-cache"},
+            {"/pages/stage.js", "text/javascript; charset=utf-8", "no-cache"},
+            {"/pages/pages.css", "text/css; charset=utf-8", "no-cache"},
+            {"/pages/theme.css", "text/css; charset=utf-8", "no-cache"},
+            {"/fonts/Inter-SemiBold.otf", "font/otf", "max-age=86400"},
+            {"/fonts/DejaVuSans-Bold.ttf", "font/ttf", "max-age=86400"},
+        };
+        for (const auto &page : served) {
+            const auto reply = fetch(port, QString::fromLatin1(page.path));
+            QCOMPARE(statusOf(reply.get()), 200);
+            QCOMPARE(reply->rawHeader("Content-Type"), QByteArray(page.type));
+            QCOMPARE(reply->rawHeader("Cache-Control"), QByteArray(page.caching));
+            QVERIFY(reply->readAll().size() > 100);
+        }
+        const auto theme = fetch(port, QStringLiteral("/pages/theme.css"));
+        const QByteArray css = theme->readAll();
+        QVERIFY(css.contains("--state-warning: rgb(241 196 15);"));
+        QVERIFY(css.contains("--bg-deep: rgb(10 10 12);"));
+
+        // The paths are matched whole and literally.
+        for (const char *path : {"/stage/", "/stagex", "/pages/kaironXjs", "/fonts/Inter-Thin.otf"}) {
+            const auto reply = fetch(port, QString::fromLatin1(path));
+            QCOMPARE(statusOf(reply.get()), 404);
+            QCOMPARE(reply->readAll(), QStringLiteral("{\"error\":\"Chemin inconnu : %1\"}")
+                                           .arg(QLatin1StringView(path)).toUtf8());
+        }
+        const auto posted = fetch(port, QStringLiteral("/stage"), "POST");
+        QCOMPARE(statusOf(posted.get()), 405);
+        QCOMPARE(posted->rawHeader("Allow"), QByteArray("GET"));
+    }
+
     void aPingIsAnsweredAtOnceWithoutTheCode()
     {
         storeWebSettings(freePort());
