@@ -128,11 +128,19 @@ def venue_date_text(ms):
 
 # ---- Page helpers -----------------------------------------------------------------------------
 
+# A browser whose clock is 3.7 s ahead of the program's: the page must find the offset. The
+# recorder reads the true clock.
+SKEWED_CLOCK = """
+  window.__realNow = Date.now.bind(Date);
+  Date.now = () => window.__realNow() + 3700;
+"""
+
 RECORDER = """(() => {
+  const now = window.__realNow ?? Date.now.bind(Date);
   const record = (id, list) => {
     const element = document.getElementById(id);
     window[list] = [];
-    new MutationObserver(() => window[list].push([Date.now(), element.textContent, element.style.opacity]))
+    new MutationObserver(() => window[list].push([now(), element.textContent, element.style.opacity]))
       .observe(element, {childList: true, characterData: true, subtree: true, attributes: true,
                          attributeFilter: ['style']});
   };
@@ -210,15 +218,29 @@ def live_expression(live):
 
 # ---- Checks -----------------------------------------------------------------------------------
 
-async def digit_timing(stage, confidence):
+async def digit_timing(app, stage, confidence, skewed):
     """Every change of the digits within 50 ms of the engine's instants: ms after each."""
     await stage.evaluate("window.__time = []")
+    await skewed.evaluate("window.__time = []")
     await confidence.evaluate("window.__time = []; window.__clock = []")
-    await stage.wait_for("new Set(window.__time.map(c => c[1])).size >= 6", 9, "six seconds shown")
+    await stage.wait_for("new Set(window.__time.map(c => c[1])).size >= 4", 9, "four seconds shown")
+    # The pages count by themselves: with the program stopped just after a change (so that no
+    # message comes), the next change is still on time.
+    seen = await stage.evaluate("window.__time.length")
+    await stage.wait_for(f"window.__time.length > {seen}", 3, "a change of the digits")
+    app.signal(signal.SIGSTOP)
+    stopped = time.time() * 1000
+    await asyncio.sleep(1.3)
+    resumed = time.time() * 1000
+    app.signal(signal.SIGCONT)
+    silent = [c for c in await stage.evaluate("window.__time") if stopped < c[0] < resumed]
+    check(len({c[1] for c in silent}) >= 1, f"the digits changed while the program was stopped: {silent}")
+    await stage.wait_for("new Set(window.__time.map(c => c[1])).size >= 7", 6, "seven seconds shown")
     s = state()
     deltas = []
     for page, count_from, value_key in [(stage, "nextSecondAtMs", "remaining"),
-                                        (confidence, "liveNextSecondAtMs", "liveRemaining")]:
+                                        (confidence, "liveNextSecondAtMs", "liveRemaining"),
+                                        (skewed, "nextSecondAtMs", "remaining")]:
         changes, last = [], None
         for at, shown, _ in await page.evaluate("window.__time"):
             if shown != last:
@@ -259,13 +281,16 @@ async def scenario(app, browser):
     stage = await browser.new_page(WIDTH, HEIGHT)
     confidence = await browser.new_page(WIDTH, HEIGHT)
     index = await browser.new_page(WIDTH, HEIGHT)
+    skewed = await browser.new_page(WIDTH, HEIGHT)
+    await skewed.call("Page.addScriptToEvaluateOnNewDocument", {"source": SKEWED_CLOCK})
     pages = {"stage": stage, "confidence": confidence}
-    for page, path in [(stage, "/stage"), (confidence, "/confidence"), (index, "/")]:
+    for page, path in [(stage, "/stage"), (confidence, "/confidence"), (index, "/"), (skewed, "/stage")]:
         await page.navigate(base + path)
         await page.wait_for(live_expression(True) + " && document.fonts.status === 'loaded'", 10,
                             f"{path} live with its fonts")
-    for page in pages.values():
+    for page in [stage, confidence, skewed]:
         await page.evaluate(RECORDER)
+    check(await skewed.evaluate("Date.now() - window.__realNow()") == 3700, "the skewed browser's clock")
 
     # ---- Idle, index ----
     check(await text(index, "show-name") == "Soirée de gala", "index names the show")
@@ -291,7 +316,8 @@ async def scenario(app, browser):
     await expect_colour(confidence, "time", GREEN, "running confidence digits green")
     await expect_colour(confidence, "speaker", ACCENT, "speaker in the accent colour", tolerance=10,
                         minimum=0.005)
-    deltas = await digit_timing(stage, confidence)
+    deltas = await digit_timing(app, stage, confidence, skewed)
+    await skewed.call("Page.close")
     await shoot({**pages, "index": index}, "running")
 
     # ---- A cue's own colour replaces only the calm green ----
