@@ -239,6 +239,15 @@ TimerStateSnapshot TimerEngine::snapshot() const
     return s;
 }
 
+TimerEngine::ClockReading TimerEngine::readClock() const
+{
+    ClockReading reading{m_remaining, m_elapsed};
+    if (m_isRunning && !m_isPaused && m_cueStartUs && activeCuePtr())
+        liveClock(m_clock.monotonicUs(), m_clock.now().toMSecsSinceEpoch(), reading.elapsed,
+                  reading.remaining);
+    return reading;
+}
+
 void TimerEngine::notifyStateChange()
 {
     if (m_onStateChange)

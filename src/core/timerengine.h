@@ -138,6 +138,13 @@ public:
     void setOnStateChange(StateHook hook) { m_onStateChange = std::move(hook); }
     const StateHook &onStateChange() const { return m_onStateChange; }
     TimerStateSnapshot snapshot() const;
+    // The cue clock read at this instant rather than at the last tick: what a tick now would
+    // publish. While the clock stands (stopped, paused, no cue) it is the published value.
+    struct ClockReading {
+        double remaining = 0; // seconds, negative in overtime; the live value even while frozen
+        double elapsed = 0;   // seconds
+    };
+    ClockReading readClock() const;
 
     // ---- Transport --------------------------------------------------------------------------
     // Without an index: the selected cue, else the active one, else the first.

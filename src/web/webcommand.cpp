@@ -1,6 +1,8 @@
 #include "webcommand.h"
 
+#include "apptheme.h"
 #include "clock.h"
+#include "formatters.h"
 #include "timerengine.h"
 
 #include <QJsonArray>
@@ -19,11 +21,21 @@ constexpr Name names[] = {
     {"prev", WebCommand::Kind::Prev},       {"reset", WebCommand::Kind::Reset},
     {"blackout", WebCommand::Kind::Blackout}, {"blink", WebCommand::Kind::Blink},
     {"message", WebCommand::Kind::Message}, {"adjust", WebCommand::Kind::Adjust},
-    {"start", WebCommand::Kind::Start},
+    {"start", WebCommand::Kind::Start},     {"freeze", WebCommand::Kind::Freeze},
+    {"clockmode", WebCommand::Kind::ClockMode}, {"doors", WebCommand::Kind::Doors},
 };
 
 // Largest adjustment accepted in one command, seconds: a day either way.
 constexpr double maxAdjustSeconds = 86400;
+
+QString cssHex(const ThemeColor &color)
+{
+    return QStringLiteral("#%1%2%3")
+        .arg(color.red, 2, 16, QLatin1Char('0'))
+        .arg(color.green, 2, 16, QLatin1Char('0'))
+        .arg(color.blue, 2, 16, QLatin1Char('0'))
+        .toUpper();
+}
 } // namespace
 
 bool WebCommand::isCommandName(const QString &name)
@@ -90,15 +102,30 @@ std::optional<WebCommand> WebCommand::decode(const QString &name, const QJsonObj
         command.index = int(value);
         break;
     }
+    case Kind::Doors: {
+        const QJsonValue at = body.value(QLatin1StringView("at"));
+        const QTime time = QTime::fromString(at.toString(), QStringLiteral("HH:mm"));
+        if (at.isString() && time.isValid())
+            command.doorsAt = time;
+        else if (!at.isNull())
+            return fail(QStringLiteral("« at » doit être une heure « HH:mm » ou null"));
+        break;
+    }
     default:
         break;
     }
     return command;
 }
 
-std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command)
+std::optional<QString> applyWebCommand(TimerEngine &engine, const Clock &clock,
+                                       const WebCommand &command)
 {
     using Kind = WebCommand::Kind;
+    // The two flags call no state hook themselves, so OSC output is told here.
+    auto announce = [&engine] {
+        if (engine.onStateChange())
+            engine.onStateChange()(engine.snapshot());
+    };
     switch (command.kind) {
     case Kind::Play:
         engine.start();
@@ -119,10 +146,22 @@ std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &co
         engine.reset();
         break;
     case Kind::Blackout:
-        // A toggle; the flag calls no state hook itself, so OSC output is told here.
         engine.setBlackout(!engine.blackout());
-        if (engine.onStateChange())
-            engine.onStateChange()(engine.snapshot());
+        announce();
+        break;
+    case Kind::ClockMode:
+        engine.setClockMode(!engine.clockMode());
+        announce();
+        break;
+    case Kind::Freeze:
+        engine.toggleFreeze();
+        break;
+    case Kind::Doors:
+        if (command.doorsAt)
+            engine.startDoors(QDateTime(clock.now().toTimeZone(clock.timeZone()).date(),
+                                        *command.doorsAt, clock.timeZone()));
+        else
+            engine.cancelDoors();
         break;
     case Kind::Blink:
         engine.triggerBlink(3.0);
@@ -160,20 +199,35 @@ qint64 msUntilShownSecondChanges(double remaining)
 QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock)
 {
     const TimerStateSnapshot snapshot = engine.snapshot();
-    QJsonObject doc = snapshot.toJson();
+    // Every time in the document is read at serverTimeMs, not at the engine's last tick (up to
+    // 100 ms before), so that a page can count on from it.
+    const TimerEngine::ClockReading live = engine.readClock();
     const qint64 nowMs = clock.now().toMSecsSinceEpoch();
+    const double shown = snapshot.freeze ? snapshot.remaining : live.remaining;
+    QJsonObject doc = snapshot.toJson();
+    doc.insert(QLatin1StringView("remaining"), shown);
+    doc.insert(QLatin1StringView("elapsed"), live.elapsed);
+    doc.insert(QLatin1StringView("overtime"), live.remaining < 0);
+    doc.insert(QLatin1StringView("progress"),
+               TimerStateSnapshot::progressOf(live.elapsed, engine.plannedDuration()));
+    doc.insert(QLatin1StringView("liveRemaining"), live.remaining);
+    doc.insert(QLatin1StringView("plannedDuration"), engine.plannedDuration());
 
     QJsonArray cues;
     const std::optional<int> active = engine.activeCueIndex();
     const QList<Cue> &list = engine.session().cues;
     for (qsizetype i = 0; i < list.size(); ++i) {
         const Cue &cue = list[i];
+        const std::optional<ThemeColor> own = AppTheme::cueColor(cue);
         cues.append(QJsonObject{
             {QLatin1StringView("name"), cue.name},
             {QLatin1StringView("speaker"), cue.speaker},
             {QLatin1StringView("duration"), cue.duration},
+            {QLatin1StringView("warningThreshold"), cue.warningThreshold},
+            {QLatin1StringView("dangerThreshold"), cue.dangerThreshold},
             {QLatin1StringView("colorHex"),
              cue.colorHex ? QJsonValue(*cue.colorHex) : QJsonValue(QJsonValue::Null)},
+            {QLatin1StringView("color"), own ? QJsonValue(cssHex(*own)) : QJsonValue(QJsonValue::Null)},
             {QLatin1StringView("active"), active && *active == i},
         });
     }
@@ -186,12 +240,24 @@ QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock)
     doc.insert(QLatin1StringView("doorsTargetMs"),
                doors ? QJsonValue(double(doors->toMSecsSinceEpoch())) : QJsonValue(QJsonValue::Null));
 
-    // The clock runs down only while a cue runs unpaused and unfrozen; otherwise the shown
-    // second stays until the next push.
-    const bool counting = snapshot.running && !snapshot.paused && !snapshot.freeze;
-    doc.insert(QLatin1StringView("nextSecondAtMs"),
-               counting ? QJsonValue(double(nowMs + msUntilShownSecondChanges(snapshot.remaining)))
-                        : QJsonValue(QJsonValue::Null));
+    // The cue clock runs down only while a cue runs unpaused; the stage's digits also stand
+    // still while frozen. A standing clock's second stays until the next push.
+    const bool clockRuns = snapshot.running && !snapshot.paused;
+    auto nextChange = [nowMs](bool runs, double remaining) {
+        return runs ? QJsonValue(double(nowMs + msUntilShownSecondChanges(remaining)))
+                    : QJsonValue(QJsonValue::Null);
+    };
+    doc.insert(QLatin1StringView("nextSecondAtMs"), nextChange(clockRuns && !snapshot.freeze, shown));
+    doc.insert(QLatin1StringView("liveNextSecondAtMs"), nextChange(clockRuns, live.remaining));
     doc.insert(QLatin1StringView("serverTimeMs"), double(nowMs));
+
+    // The displays' calendar, so that a browser elsewhere shows the venue's time of day.
+    const QTimeZone zone = Fmt::timeZone();
+    const QByteArray zoneId = zone.id();
+    doc.insert(QLatin1StringView("timeZone"),
+               zoneId.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(QString::fromUtf8(zoneId)));
+    doc.insert(QLatin1StringView("utcOffsetSeconds"),
+               zone.offsetFromUtc(QDateTime::fromMSecsSinceEpoch(nowMs, Qt::UTC)));
+    doc.insert(QLatin1StringView("locale"), Fmt::locale().bcp47Name());
     return doc;
 }

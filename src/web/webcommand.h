@@ -3,6 +3,7 @@
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
+#include <QTime>
 
 #include <optional>
 
@@ -11,12 +12,16 @@ class TimerEngine;
 
 // One remote command, decoded from an HTTP body or a WebSocket message.
 struct WebCommand {
-    enum class Kind { Play, Pause, Stop, Next, Prev, Reset, Blackout, Blink, Message, Adjust, Start };
+    enum class Kind {
+        Play, Pause, Stop, Next, Prev, Reset, Blackout, Blink, Message, Adjust, Start,
+        Freeze, ClockMode, Doors
+    };
     Kind kind = Kind::Play;
     std::optional<QString> text; // message: null clears the message on air
     bool urgent = false;         // message
     double seconds = 0;          // adjust
     int index = 0;               // start: the cue's row
+    std::optional<QTime> doorsAt; // doors: the time of day (minutes count); null cancels
 
     // Decodes `name` with the fields it needs from `body`; nothing when the name is unknown or
     // a field is missing or of the wrong type, with a French reason in `error`.
@@ -27,12 +32,15 @@ struct WebCommand {
     static QStringList commandNames();
 };
 
-// Applies a command as the console and OSC do: blackout toggles, blink lasts 3 seconds. A
-// command the show cannot take (a row past the list) changes nothing and gives its French reason.
-std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command);
+// Applies a command as the console and OSC do: blackout, freeze and clock mode toggle, blink
+// lasts 3 seconds, the doors time is read in the clock's time zone. A command the show cannot
+// take (a row past the list) changes nothing and gives its French reason.
+std::optional<QString> applyWebCommand(TimerEngine &engine, const Clock &clock,
+                                       const WebCommand &command);
 
-// The state document of GET /api/state and of every WebSocket push: the snapshot's fields, the
-// cue list and the instants a page needs to count by itself (see the README).
+// The state document of GET /api/state and of every WebSocket push: the snapshot's fields with
+// the clock read now, the cue list, and what a page needs to count and show the time of day by
+// itself: the instants the shown seconds change and the displays' time zone (see the README).
 QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock);
 
 // Milliseconds from now until the shown whole second of `remaining` changes, for a clock that

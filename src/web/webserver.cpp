@@ -3,8 +3,10 @@
 #include "clock.h"
 #include "preferences.h"
 #include "requestgate.h"
+#include "tickphase.h"
 #include "timerengine.h"
 #include "webcommand.h"
+#include "webpages.h"
 
 #include <QHostAddress>
 #include <QHttpServerRequest>
@@ -12,9 +14,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
+#include <QRegularExpression>
 #include <QWebSocket>
 
-#include <cmath>
 
 namespace {
 QHttpServerResponse jsonError(QHttpServerResponse::StatusCode status, const QString &message)
@@ -34,6 +36,30 @@ QByteArray errorBody(const QString &message)
 
 // What a viewer may leave unread before it is dropped: hundreds of pushes.
 constexpr qint64 maxUnreadBytes = 1 << 20;
+
+QHttpServerResponse wrongMethod(const QString &path, const char *allowed)
+{
+    QHttpServerResponse response = jsonError(
+        QHttpServerResponse::StatusCode::MethodNotAllowed,
+        QStringLiteral("Méthode non autorisée pour %1 (%2 attendu)")
+            .arg(path, QLatin1StringView(allowed)));
+    response.setHeader("Allow", allowed);
+    return response;
+}
+
+QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &request)
+{
+    if (request.method() != QHttpServerRequest::Method::Get)
+        return wrongMethod(path, "GET");
+    const std::optional<WebAsset> asset = WebPages::asset(path);
+    if (!asset) // a font file missing from this system
+        return jsonError(QHttpServerResponse::StatusCode::NotFound,
+                         QStringLiteral("Chemin inconnu : %1").arg(path));
+    QHttpServerResponse response(asset->contentType, asset->body);
+    response.setHeader("Cache-Control", asset->cacheControl);
+    response.setHeader("X-Content-Type-Options", "nosniff");
+    return response;
+}
 
 const QString wrongCode = QStringLiteral("Code d'accès manquant ou incorrect");
 } // namespace
@@ -142,6 +168,11 @@ void WebServer::setUpRoutes()
                       responder.write(errorBody(QStringLiteral("/api/ws attend une connexion WebSocket")),
                                       "application/json", QHttpServerResponder::StatusCode::BadRequest);
                   });
+    // The router reads a path as a regular expression: each page's is matched literally.
+    for (const QString &path : WebPages::paths()) {
+        m_http->route(QRegularExpression::escape(path),
+                      [path](const QHttpServerRequest &request) { return pageResponse(path, request); });
+    }
     m_http->setMissingHandler([](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
         responder.write(errorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
                         "application/json", QHttpServerResponder::StatusCode::NotFound);
@@ -168,21 +199,14 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
 {
     using Status = QHttpServerResponse::StatusCode;
     const auto method = request.method();
-    auto wrongMethod = [&](const char *allowed) {
-        QHttpServerResponse response = jsonError(
-            Status::MethodNotAllowed,
-            QStringLiteral("Méthode non autorisée pour /api/%1 (%2 attendu)")
-                .arg(name, QLatin1StringView(allowed)));
-        response.setHeader("Allow", allowed);
-        return response;
-    };
+    const QString path = QStringLiteral("/api/") + name;
     if (name == QLatin1StringView("state")) {
         if (method != QHttpServerRequest::Method::Get)
-            return wrongMethod("GET");
+            return wrongMethod(path, "GET");
         return QHttpServerResponse(webStateDocument(m_engine, m_clock));
     }
     if (method != QHttpServerRequest::Method::Post)
-        return wrongMethod("POST");
+        return wrongMethod(path, "POST");
 
     const QByteArray authorization = request.value("Authorization");
     const QString client = request.remoteAddress().toString();
@@ -210,7 +234,7 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     const std::optional<WebCommand> command = WebCommand::decode(name, body, &error);
     if (!command)
         return jsonError(Status::BadRequest, error);
-    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, m_clock, *command))
         return jsonError(Status::BadRequest, *refused);
     return QHttpServerResponse(webStateDocument(m_engine, m_clock));
 }
@@ -269,6 +293,19 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         reply(errorObject(QStringLiteral("« command » manque ou n'est pas un texte")));
         return;
     }
+    if (name.toString() == QLatin1StringView("ping")) {
+        // Open to every viewer, answered at once: a page measures the offset of its clock from
+        // the program's by the round trip.
+        const QJsonValue sent = message.value(QLatin1StringView("t"));
+        if (!sent.isDouble()) {
+            reply(errorObject(QStringLiteral("« t » doit être un nombre")));
+            return;
+        }
+        reply(QJsonObject{{QStringLiteral("pong"), sent},
+                          {QStringLiteral("serverTimeMs"),
+                           double(m_clock.now().toMSecsSinceEpoch())}});
+        return;
+    }
     if (!WebCommand::isCommandName(name.toString())) {
         reply(errorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
         return;
@@ -284,7 +321,7 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         reply(errorObject(error));
         return;
     }
-    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, m_clock, *command))
         reply(errorObject(*refused));
 }
 
@@ -303,12 +340,19 @@ void WebServer::pushState()
         return;
     const QJsonObject document = webStateDocument(m_engine, m_clock);
     // Ticks move the clock ten times a second; a push is due only when what a viewer shows
-    // changes: any field but the running clock's, or the whole second shown.
+    // changes: any field but the running clock's, or a whole second shown by either display.
     QJsonObject key = document;
-    for (const char *moving : {"remaining", "elapsed", "progress", "serverTimeMs", "nextSecondAtMs"})
+    for (const char *moving : {"remaining", "liveRemaining", "elapsed", "progress", "serverTimeMs",
+                               "nextSecondAtMs", "liveNextSecondAtMs"})
         key.remove(QLatin1StringView(moving));
-    key.insert(QLatin1StringView("shownSecond"), std::trunc(m_engine.snapshot().remaining));
+    auto shownSecond = [&document](const char *field) {
+        return double(TickPhase::displayedSecond(document.value(QLatin1StringView(field)).toDouble()));
+    };
+    key.insert(QLatin1StringView("shownSecond"), shownSecond("remaining"));
+    key.insert(QLatin1StringView("liveShownSecond"), shownSecond("liveRemaining"));
     key.insert(QLatin1StringView("counting"), document.value(QLatin1StringView("nextSecondAtMs")).isDouble());
+    key.insert(QLatin1StringView("liveCounting"),
+               document.value(QLatin1StringView("liveNextSecondAtMs")).isDouble());
     const QByteArray keyBytes = QJsonDocument(key).toJson(QJsonDocument::Compact);
     if (keyBytes == m_lastPushedKey)
         return;

@@ -64,8 +64,10 @@ expect() { # expect DESCRIPTION ACTUAL EXPECTED
 # ---- Viewing is open --------------------------------------------------------------------------
 expect "state names the show" "$(field '["sessionName"]')" '"Soirée"'
 expect "state lists the cues" "$(field '["cues"]')" \
-    '[{"active": false, "colorHex": null, "duration": 600, "name": "Ouverture", "speaker": "Ana"}, {"active": false, "colorHex": "#FF0000", "duration": 90, "name": "Débat", "speaker": ""}]'
+    '[{"active": false, "color": null, "colorHex": null, "dangerThreshold": 30, "duration": 600, "name": "Ouverture", "speaker": "Ana", "warningThreshold": 120}, {"active": false, "color": "#FF0000", "colorHex": "#FF0000", "dangerThreshold": 30, "duration": 90, "name": "Débat", "speaker": "", "warningThreshold": 120}]'
 expect "a stopped clock has no next second" "$(field '["nextSecondAtMs"]')" 'null'
+expect "a stopped cue clock has no next second" "$(field '["liveNextSecondAtMs"]')" 'null'
+expect "the displays' calendar" "$(field '["locale"]')" '"fr"'
 
 # ---- Refusals change nothing ------------------------------------------------------------------
 bearer="Bearer $code"
@@ -94,6 +96,9 @@ refuse "adjust by text" '400 {"error":"« seconds » doit être un nombre de sec
 refuse "start at a fraction" '400 {"error":"« index » doit être un entier positif ou nul"}' POST /api/start '{"index":1.5}' "$bearer"
 refuse "start at a negative index" '400 {"error":"« index » doit être un entier positif ou nul"}' POST /api/start '{"index":-1}' "$bearer"
 refuse "start beyond the list" '400 {"error":"Aucun cue à l'"'"'index 9 (de 0 à 1)"}' POST /api/start '{"index":9}' "$bearer"
+refuse "doors without a time" '400 {"error":"« at » doit être une heure « HH:mm » ou null"}' POST /api/doors '{}' "$bearer"
+refuse "doors at no time of day" '400 {"error":"« at » doit être une heure « HH:mm » ou null"}' POST /api/doors '{"at":"24:00"}' "$bearer"
+refuse "a page by POST" '405 {"error":"Méthode non autorisée pour /stage (GET attendu)"}' POST /stage
 refuse "plain GET on the WebSocket" '400 {"error":"/api/ws attend une connexion WebSocket"}' GET /api/ws
 head -c 70000 /dev/zero | tr '\0' 'a' > "$dir/big"
 before=$(state)
@@ -148,6 +153,25 @@ expect "prev" "$(command prev)" 200
 expect "previous cue" "$(field '["activeCueIndex"]')" '0'
 expect "start" "$(command start '{"index":1}')" 200
 expect "started cue" "$(field '["cueName"]')" '"Débat"'
+expect "freeze" "$(command freeze)" 200
+expect "frozen" "$(field '["freeze"]')" 'true'
+expect "frozen digits stand" "$(field '["nextSecondAtMs"]')" 'null'
+expect "the cue clock runs on" "$(field '["liveNextSecondAtMs"] > 0')" 'true'
+expect "freeze again" "$(command freeze)" 200
+expect "released" "$(field '["freeze"]')" 'false'
+expect "clock mode" "$(command clockmode)" 200
+expect "clock mode on" "$(field '["clockMode"]')" 'true'
+expect "clock mode again" "$(command clockmode)" 200
+expect "clock mode toggles off" "$(field '["clockMode"]')" 'false'
+expect "doors" "$(command doors '{"at":"23:59"}')" 200
+doors_at=$(curl -s "$base/api/state" | python3 -c '
+import datetime, json, sys, zoneinfo
+s = json.load(sys.stdin)
+at = datetime.datetime.fromtimestamp(s["doorsTargetMs"] / 1000, zoneinfo.ZoneInfo(s["timeZone"]))
+print(at.strftime("%H:%M:%S"), s["doorsTargetMs"] > s["serverTimeMs"])')
+expect "doors at the next 23:59 of the displays' time zone" "$doors_at" '23:59:00 True'
+expect "doors cancelled" "$(command doors '{"at":null}')" 200
+expect "no doors" "$(field '["doorsTargetMs"]')" 'null'
 expect "reset" "$(command reset)" 200
 expect "stop" "$(command stop)" 200
 expect "stopped" "$(field '["running"]')" 'false'

@@ -624,6 +624,33 @@ private slots:
         QCOMPARE(f.engine.remaining(), 597.999);
     }
 
+    void aClockReadBetweenTicksIsTheLiveValueAndAStandingClockThePublishedOne()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        f.engine.start();
+        f.clock.advance(1000ms);
+        f.engine.tick();
+        // The event loop is busy elsewhere: no tick, yet the clock moves on.
+        f.clock.stall(250ms);
+        QCOMPARE(f.engine.remaining(), 599.0);
+        QCOMPARE(f.engine.readClock().remaining, 598.75);
+        QCOMPARE(f.engine.readClock().elapsed, 1.25);
+        QVERIFY(f.engine.snapshot().remaining == 599.0); // reading has no side effect
+
+        f.engine.toggleFreeze(); // freezing holds the displays, not the clock
+        f.clock.stall(250ms);
+        QCOMPARE(f.engine.readClock().remaining, 598.5);
+
+        f.engine.pause();
+        f.clock.stall(5000ms);
+        QCOMPARE(f.engine.readClock().remaining, 598.5);
+        QCOMPARE(f.engine.readClock().elapsed, 1.5);
+        f.engine.stop();
+        f.clock.stall(5000ms);
+        QCOMPARE(f.engine.readClock().remaining, f.engine.remaining());
+    }
+
     void anIdleTickCallsNoHook()
     {
         EngineFixture f;

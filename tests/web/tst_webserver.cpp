@@ -1,5 +1,6 @@
 #include "codeguard.h"
 #include "enginefixture.h"
+#include "formatters.h"
 #include "preferences.h"
 #include "settingssandbox.h"
 #include "webcommand.h"
@@ -53,6 +54,22 @@ private:
         if (!code.isEmpty())
             request.setRawHeader("Authorization", "Bearer " + code);
         return m_network.post(request, body);
+    }
+
+    // A GET, or any other method, on the test server; waits for the whole answer.
+    std::unique_ptr<QNetworkReply> fetch(quint16 port, const QString &path,
+                                         const QByteArray &method = "GET")
+    {
+        const QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port).arg(path)));
+        std::unique_ptr<QNetworkReply> reply(m_network.sendCustomRequest(request, method));
+        if (!QTest::qWaitFor([&] { return reply->isFinished(); }, 5000))
+            qWarning() << "no answer for" << path;
+        return reply;
+    }
+
+    static int statusOf(QNetworkReply *reply)
+    {
+        return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     }
 
 private slots:
@@ -130,6 +147,166 @@ private slots:
         QCOMPARE(doc.value(u"cues").toArray()[0].toObject().value(u"active").toBool(), true);
         f.engine.pause();
         QVERIFY(webStateDocument(f.engine, f.clock).value(u"nextSecondAtMs").isNull());
+    }
+
+    void theStateIsReadWhenItIsMadeNotAtTheLastTick()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        f.engine.start();
+        f.clock.advance(1000ms);
+        f.engine.tick();
+        f.clock.stall(250ms); // no tick since
+        QJsonObject doc = webStateDocument(f.engine, f.clock);
+        qint64 now = f.clock.now().toMSecsSinceEpoch();
+        QCOMPARE(doc.value(u"remaining").toDouble(), 598.75);
+        QCOMPARE(doc.value(u"liveRemaining").toDouble(), 598.75);
+        QCOMPARE(doc.value(u"elapsed").toDouble(), 1.25);
+        QCOMPARE(doc.value(u"plannedDuration").toDouble(), 600.0);
+        QCOMPARE(doc.value(u"nextSecondAtMs").toDouble(), double(now + 750));
+        QCOMPARE(doc.value(u"liveNextSecondAtMs").toDouble(), double(now + 750));
+
+        // Frozen: the stage's digits stand, the cue clock (the confidence display's) runs on.
+        f.engine.toggleFreeze();
+        f.clock.stall(500ms);
+        doc = webStateDocument(f.engine, f.clock);
+        now = f.clock.now().toMSecsSinceEpoch();
+        QCOMPARE(doc.value(u"remaining").toDouble(), 599.0); // the last published value, held
+        QVERIFY(doc.value(u"nextSecondAtMs").isNull());
+        QCOMPARE(doc.value(u"liveRemaining").toDouble(), 598.25);
+        QCOMPARE(doc.value(u"liveNextSecondAtMs").toDouble(), double(now + 250));
+
+        f.engine.pause();
+        doc = webStateDocument(f.engine, f.clock);
+        QVERIFY(doc.value(u"nextSecondAtMs").isNull());
+        QVERIFY(doc.value(u"liveNextSecondAtMs").isNull());
+    }
+
+    void theStateCarriesWhatThePagesDrawWith()
+    {
+        EngineFixture f;
+        Fmt::setTimeZone(QTimeZone("Europe/Paris"));
+        Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
+        Cue blue = durationCue("Bleu", 300, 60, 10);
+        blue.colorHex = QStringLiteral(" #3b82f6 ");
+        Cue broken = durationCue("Cassé", 300);
+        broken.colorHex = QStringLiteral("#12345");
+        f.engine.loadSession(showOf({blue, broken}));
+        const QJsonObject doc = webStateDocument(f.engine, f.clock);
+        const QJsonArray cues = doc.value(u"cues").toArray();
+        QCOMPARE(cues[0].toObject().value(u"warningThreshold").toDouble(), 60.0);
+        QCOMPARE(cues[0].toObject().value(u"dangerThreshold").toDouble(), 10.0);
+        QCOMPARE(cues[0].toObject().value(u"color").toString(), QStringLiteral("#3B82F6"));
+        QCOMPARE(cues[1].toObject().value(u"colorHex").toString(), QStringLiteral("#12345"));
+        QVERIFY(cues[1].toObject().value(u"color").isNull());
+        // 21 November 2026 in Paris: winter time, an hour ahead of UTC.
+        QCOMPARE(doc.value(u"timeZone").toString(), QStringLiteral("Europe/Paris"));
+        QCOMPARE(doc.value(u"utcOffsetSeconds").toInt(), 3600);
+        QCOMPARE(doc.value(u"locale").toString(), QStringLiteral("fr"));
+        Fmt::setTimeZone(QTimeZone::systemTimeZone());
+        Fmt::setLocale(QLocale::system());
+    }
+
+    void freezeClockModeAndDoorsAreCommands()
+    {
+        EngineFixture f; // 14:00 in Paris
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        QString error;
+        auto apply = [&](const char *name, const QJsonObject &body = {}) {
+            const std::optional<WebCommand> command =
+                WebCommand::decode(QString::fromLatin1(name), body, &error);
+            QVERIFY2(command, qPrintable(error));
+            applyWebCommand(f.engine, f.clock, *command);
+        };
+        apply("freeze");
+        QVERIFY(f.engine.freeze());
+        apply("freeze");
+        QVERIFY(!f.engine.freeze());
+        const qsizetype hooks = f.snapshots.size();
+        apply("clockmode");
+        QVERIFY(f.engine.clockMode());
+        QCOMPARE(f.snapshots.size(), hooks + 1); // OSC output hears of it
+        QVERIFY(f.snapshots.last().clockMode);
+        apply("doors", {{QStringLiteral("at"), QStringLiteral("14:30")}});
+        QCOMPARE(f.engine.doorsTarget(),
+                 QDateTime(QDate(2026, 11, 21), QTime(14, 30), QTimeZone("Europe/Paris")));
+        apply("doors", {{QStringLiteral("at"), QJsonValue::Null}});
+        QVERIFY(!f.engine.doorsActive());
+
+        for (const QJsonObject &body : {QJsonObject{}, QJsonObject{{QStringLiteral("at"), QStringLiteral("25:00")}},
+                                        QJsonObject{{QStringLiteral("at"), 1430}}}) {
+            QVERIFY(!WebCommand::decode(QStringLiteral("doors"), body, &error));
+            QCOMPARE(error, QStringLiteral("« at » doit être une heure « HH:mm » ou null"));
+        }
+    }
+
+    void thePagesAreServedWithTheirTypesAndUnknownPathsGetTheJson404()
+    {
+        storeWebSettings(freePort());
+        EngineFixture f;
+        WebServer server(f.engine, f.clock);
+        server.applyWebSettings();
+        const quint16 port = server.serverPort();
+        const struct {
+            const char *path;
+            const char *type;
+            const char *caching;
+        } served[] = {
+            {"/", "text/html; charset=utf-8", "no-cache"},
+            {"/stage", "text/html; charset=utf-8", "no-cache"},
+            {"/confidence", "text/html; charset=utf-8", "no-cache"},
+            {"/pages/kairon.js", "text/javascript; charset=utf-8", "no-cache"},
+            {"/pages/stage.js", "text/javascript; charset=utf-8", "no-cache"},
+            {"/pages/pages.css", "text/css; charset=utf-8", "no-cache"},
+            {"/pages/theme.css", "text/css; charset=utf-8", "no-cache"},
+            {"/fonts/Inter-SemiBold.otf", "font/otf", "max-age=86400"},
+            {"/fonts/DejaVuSans-Bold.ttf", "font/ttf", "max-age=86400"},
+        };
+        for (const auto &page : served) {
+            const auto reply = fetch(port, QString::fromLatin1(page.path));
+            QCOMPARE(statusOf(reply.get()), 200);
+            QCOMPARE(reply->rawHeader("Content-Type"), QByteArray(page.type));
+            QCOMPARE(reply->rawHeader("Cache-Control"), QByteArray(page.caching));
+            QVERIFY(reply->readAll().size() > 100);
+        }
+        const auto theme = fetch(port, QStringLiteral("/pages/theme.css"));
+        const QByteArray css = theme->readAll();
+        QVERIFY(css.contains("--state-warning: rgb(241 196 15);"));
+        QVERIFY(css.contains("--bg-deep: rgb(10 10 12);"));
+
+        // The paths are matched whole and literally.
+        for (const char *path : {"/stage/", "/stagex", "/pages/kaironXjs", "/fonts/Inter-Thin.otf"}) {
+            const auto reply = fetch(port, QString::fromLatin1(path));
+            QCOMPARE(statusOf(reply.get()), 404);
+            QCOMPARE(reply->readAll(), QStringLiteral("{\"error\":\"Chemin inconnu : %1\"}")
+                                           .arg(QLatin1StringView(path)).toUtf8());
+        }
+        const auto posted = fetch(port, QStringLiteral("/stage"), "POST");
+        QCOMPARE(statusOf(posted.get()), 405);
+        QCOMPARE(posted->rawHeader("Allow"), QByteArray("GET"));
+    }
+
+    void aPingIsAnsweredAtOnceWithoutTheCode()
+    {
+        storeWebSettings(freePort());
+        EngineFixture f;
+        WebServer server(f.engine, f.clock);
+        server.applyWebSettings();
+        QWebSocket viewer;
+        QList<QJsonObject> received;
+        connect(&viewer, &QWebSocket::textMessageReceived, this, [&](const QString &text) {
+            received << QJsonDocument::fromJson(text.toUtf8()).object();
+        });
+        viewer.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/api/ws").arg(server.serverPort())));
+        QTRY_COMPARE(received.size(), 1);
+        viewer.sendTextMessage(QStringLiteral(R"({"command":"ping","t":1234.5})"));
+        QTRY_COMPARE(received.size(), 2);
+        QCOMPARE(received[1], (QJsonObject{{QStringLiteral("pong"), 1234.5},
+                                           {QStringLiteral("serverTimeMs"),
+                                            double(f.clock.now().toMSecsSinceEpoch())}}));
+        viewer.sendTextMessage(QStringLiteral(R"({"command":"ping","t":"maintenant"})"));
+        QTRY_COMPARE(received.size(), 3);
+        QCOMPARE(received[2].value(u"error").toString(), QStringLiteral("« t » doit être un nombre"));
     }
 
     void aCommandOverHttpDrivesTheEngineAndAWrongCodeDoesNot()

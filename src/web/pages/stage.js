@@ -1,0 +1,104 @@
+// The stage display in a browser: the same layers and rules as the desktop's stage window.
+import {
+    Countdown, Phase, activeCue, earliest, fitText, formatCountdown, fullDate, nextChangeCountingTo,
+    pageWidth, setStyle, setText, show, startPage, stateColor, timeOfDay,
+} from "./kairon.js";
+
+const $ = (id) => document.getElementById(id);
+const view = {
+    blackout: $("blackout"), doors: $("doors"), doorsTime: $("doors-time"), clock: $("clock"),
+    clockTime: $("clock-time"), clockDate: $("clock-date"), timer: $("timer"), cueName: $("cue-name"),
+    time: $("time"), progress: $("progress"), progressFill: $("progress-fill"), freeze: $("freeze"),
+    blink: $("blink"), banner: $("banner"),
+};
+
+// Toggled every 0.6 s while a message is urgent or the cue clock is in overtime, and every
+// 0.15 s while the blink lasts.
+const flash = new Phase(600, () => redraw());
+const blink = new Phase(150, () => redraw());
+
+// First match wins.
+function modeOf(state) {
+    if (state.blackout)
+        return "blackout";
+    if (state.doorsTargetMs !== null && !state.running)
+        return "doors";
+    return state.clockMode ? "clock" : "timer";
+}
+
+function drawTimer(state, now, width) {
+    const cue = activeCue(state);
+    const shown = new Countdown(state.remaining, state.nextSecondAtMs);
+    const value = shown.valueAt(now);
+    const colour = stateColor(cue, value);
+    show(view.cueName, cue !== null);
+    setText(view.cueName, cue ? cue.name : "");
+    fitText(view.time, formatCountdown(value, true), width * 0.22, Math.round(width * 0.96));
+    setStyle(view.time, "color", colour);
+    setStyle(view.time, "opacity", value < 0 && !flash.on ? "0.35" : "1");
+
+    // The bar follows the cue clock itself, which runs on while the digits are frozen.
+    const barWidth = Math.round(width * 0.6);
+    const elapsedRuns = state.liveNextSecondAtMs !== null;
+    const elapsed = state.elapsed + (elapsedRuns ? (now - state.serverTimeMs) / 1000 : 0);
+    const planned = state.plannedDuration;
+    const fraction = planned > 0 ? Math.min(Math.max(elapsed / planned, 0), 1) : 0;
+    const filled = Math.round(barWidth * fraction);
+    setStyle(view.progress, "width", `${barWidth}px`);
+    setStyle(view.progressFill, "width", `${filled}px`);
+    setStyle(view.progressFill, "background", colour);
+    show(view.progressFill, filled > 0);
+    show(view.freeze, state.freeze);
+
+    let due = cue ? shown.nextChange(now, [cue.warningThreshold, cue.dangerThreshold]) : shown.nextChange(now);
+    if (elapsedRuns && planned > 0 && fraction < 1) {
+        // The next whole pixel of the bar, at most ten times a second.
+        const pixelAt = now + (((filled + 0.5) * planned) / barWidth - elapsed) * 1000;
+        due = earliest(due, Math.max(pixelAt, now + 100));
+    }
+    return due;
+}
+
+function drawDoors(state, now, width) {
+    const left = (state.doorsTargetMs - now) / 1000;
+    fitText(view.doorsTime, formatCountdown(Math.max(left, 0), false), width * 0.18, width);
+    return nextChangeCountingTo(state.doorsTargetMs, now);
+}
+
+function drawClock(state, now, width) {
+    fitText(view.clockTime, timeOfDay(state, now), width * 0.2, width);
+    setText(view.clockDate, fullDate(state, now));
+    return Math.floor(now / 1000) * 1000 + 1000;
+}
+
+const draws = { doors: drawDoors, clock: drawClock, timer: drawTimer };
+
+function render(state, now) {
+    const width = pageWidth();
+    const mode = modeOf(state);
+    show(view.blackout, mode === "blackout");
+    show(view.doors, mode === "doors");
+    show(view.clock, mode === "clock");
+    show(view.timer, mode === "timer");
+    const due = mode === "blackout" ? null : draws[mode](state, now, width);
+
+    const live = new Countdown(state.liveRemaining, state.liveNextSecondAtMs);
+    const overtime = live.valueAt(now) < 0;
+    flash.run(state.messageUrgent || overtime);
+    blink.run(state.blinkActive);
+
+    show(view.blink, state.blinkActive);
+    setStyle(view.blink, "background", blink.on ? "var(--accent)" : "#fff");
+
+    const message = state.message ?? null;
+    show(view.banner, !state.blackout && message !== null);
+    setText(view.banner, message ?? "");
+    view.banner.classList.toggle("urgent", state.messageUrgent);
+    setStyle(view.banner, "opacity", state.messageUrgent && !flash.on ? "0.5" : "1");
+
+    // While the digits are frozen the cue clock runs on: its overtime starts the flash.
+    const overtimeAt = live.running && !overtime ? now + live.valueAt(now) * 1000 : null;
+    return earliest(due, overtimeAt);
+}
+
+const redraw = startPage(render);

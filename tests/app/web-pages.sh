@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# The web pages in a real browser: the real program with remote control over the web enabled,
+# driven with curl, and its /stage, /confidence and / pages in Debian's headless chromium
+# (tests/app/web-pages.py over tests/app/cdp.py): the texts and the colours of the rendered
+# pixels in every state, the digits' change instants against the engine's, the loss of the
+# connection and its return without a reload. The program runs in Paris and the browser in New
+# York, so the clocks must show the venue's time.
+# Usage: web-pages.sh KAIRON_BINARY
+set -euo pipefail
+kairon=$1
+here=$(cd "$(dirname "$0")" && pwd)
+dir=$(mktemp -d)
+cleanup() {
+    # web-pages.py writes the id of every process it starts, and stops them itself; this is for
+    # when it could not.
+    if [[ -f $dir/pids ]]; then
+        while read -r started; do
+            kill -CONT "$started" 2>/dev/null || true
+            kill "$started" 2>/dev/null || true
+        done < "$dir/pids"
+    fi
+    wait 2>/dev/null || true
+    rm -rf "$dir"
+}
+trap cleanup EXIT
+
+port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+code=K7M2P9QX
+export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
+export XDG_RUNTIME_DIR=$dir/run QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
+export TZ=Europe/Paris
+mkdir -p "$XDG_CONFIG_HOME/Kairon" "$XDG_RUNTIME_DIR"
+chmod 700 "$XDG_RUNTIME_DIR"
+cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
+[General]
+webEnabled=true
+webPort=$port
+webAccessCode=$code
+splashDuration=1
+CONF
+cat > "$dir/show.orvprjct" <<'JSON'
+{"name": "Soirée de gala", "cues": [
+ {"name": "Ouverture", "speaker": "Ana", "duration": 600},
+ {"name": "Débat", "speaker": "Ben", "duration": 600, "colorHex": "#3B82F6"},
+ {"name": "Clôture", "duration": 600}]}
+JSON
+
+/usr/bin/python3 "$here/web-pages.py" "$kairon" "$dir/show.orvprjct" "$port" "$code" "$dir"
