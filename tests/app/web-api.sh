@@ -15,19 +15,9 @@ cleanup() {
 }
 trap cleanup EXIT
 
-port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
 code=K7M2P9QX
-export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
-export XDG_RUNTIME_DIR=$dir/run QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
-mkdir -p "$XDG_CONFIG_HOME/Kairon" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-webEnabled=true
-webPort=$port
-webAccessCode=$code
-splashDuration=1
-CONF
+source "$here/../support/web-sandbox.sh"
+web_sandbox "$dir" "$code"
 cat > "$dir/show.orvprjct" <<'JSON'
 {"name": "Soirée", "cues": [{"name": "Ouverture", "speaker": "Ana", "duration": 600},
  {"name": "Débat", "duration": 90, "colorHex": "#FF0000"}]}
@@ -35,11 +25,7 @@ JSON
 
 KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
 pid=$!
-for _ in $(seq 250); do
-    grep -q "kairon-startup web-listening" "$dir/trace" && break
-    sleep 0.02
-done
-grep -q "kairon-startup web-listening" "$dir/trace" || { cat "$dir/trace"; echo "never served"; exit 1; }
+wait_for_web "$dir/trace"
 
 base=http://127.0.0.1:$port
 failures=0

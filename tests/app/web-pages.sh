@@ -24,20 +24,10 @@ cleanup() {
 }
 trap cleanup EXIT
 
-port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
 code=K7M2P9QX
-export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
-export XDG_RUNTIME_DIR=$dir/run QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
+source "$here/../support/web-sandbox.sh"
+web_sandbox "$dir" "$code"
 export TZ=Europe/Paris
-mkdir -p "$XDG_CONFIG_HOME/Kairon" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-webEnabled=true
-webPort=$port
-webAccessCode=$code
-splashDuration=1
-CONF
 cat > "$dir/show.orvprjct" <<'JSON'
 {"name": "Soirée de gala", "cues": [
  {"name": "Ouverture", "speaker": "Ana", "duration": 600},

@@ -34,6 +34,18 @@ void storeWebSettings(quint16 port)
     Preferences::setWebAccessCode(QStringLiteral("CODE2345"));
 }
 
+// A server on a free port of 127.0.0.1 over an engine holding one 600 s cue "A".
+struct ServingFixture {
+    ServingFixture()
+    {
+        storeWebSettings(freePort());
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        server.applyWebSettings();
+    }
+    EngineFixture f;
+    WebServer server{f.engine, f.clock};
+};
+
 } // namespace
 
 class TestWebServer : public QObject
@@ -242,10 +254,8 @@ private slots:
 
     void thePagesAreServedWithTheirTypesAndUnknownPathsGetTheJson404()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         const quint16 port = server.serverPort();
         const struct {
             const char *path;
@@ -288,10 +298,8 @@ private slots:
 
     void aPingIsAnsweredAtOnceWithoutTheCode()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         QWebSocket viewer;
         QList<QJsonObject> received;
         connect(&viewer, &QWebSocket::textMessageReceived, this, [&](const QString &text) {
@@ -311,11 +319,8 @@ private slots:
 
     void aCommandOverHttpDrivesTheEngineAndAWrongCodeDoesNot()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("A", 600)}));
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         QVERIFY(server.serverPort() != 0);
 
         std::unique_ptr<QNetworkReply> refused(post(server.serverPort(), "play", {}, "WRONG"));
@@ -356,11 +361,8 @@ private slots:
 
     void guessingTheCodeLocksTheAddressOutForAMinute()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("A", 600)}));
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         auto answer = [&](const QByteArray &code) {
             std::unique_ptr<QNetworkReply> reply(post(server.serverPort(), "play", {}, code));
             if (!QTest::qWaitFor([&] { return reply->isFinished(); }, 5000))
@@ -385,11 +387,8 @@ private slots:
 
     void aViewerThatStopsReadingIsDroppedInsteadOfHoldingPushes()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("A", 600)}));
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         // A client that completes the handshake and then reads nothing more.
         QTcpSocket stuck;
         stuck.setReadBufferSize(1);
@@ -413,11 +412,8 @@ private slots:
 
     void changesInOneTurnOfTheLoopMakeOnePush()
     {
-        storeWebSettings(freePort());
-        EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("A", 600)}));
-        WebServer server(f.engine, f.clock);
-        server.applyWebSettings();
+        ServingFixture serving;
+        auto &[f, server] = serving;
         QWebSocket viewer;
         QList<QJsonObject> received;
         connect(&viewer, &QWebSocket::textMessageReceived, this, [&](const QString &text) {
