@@ -334,6 +334,17 @@ export class Phase {
 const fontsUsed = ['400 16px "Inter"', '500 16px "Inter"', '600 16px "Inter"', '700 16px "Inter"',
                    '800 16px "Inter"', '900 16px "Inter"', '700 16px "DejaVu Sans"'];
 
+// The panel that covers a page while it has no live connection to the program; returns its title.
+function addLinkPanel() {
+    const panel = document.createElement("div");
+    panel.className = "link";
+    panel.setAttribute("role", "status");
+    panel.innerHTML = '<div class="link-panel"><div id="link-title" class="link-title">Connexion…</div>'
+        + '<div class="link-help">Reconnexion automatique dès que Kairon répond</div></div>';
+    document.body.append(panel);
+    return panel.querySelector("#link-title");
+}
+
 // Runs a page: `render(state, now)` draws the state for the instant `now` on the program's
 // clock and returns the next instant at which something on the page changes, or null. It is
 // called when a document arrives, at that instant, and when the page or its fonts change.
@@ -342,7 +353,7 @@ export function startPage(render) {
     const clock = new ServerClock();
     let state = null;
     let timer = null;
-    const linkTitle = document.getElementById("link-title");
+    const linkTitle = addLinkPanel();
 
     function draw() {
         clearTimeout(timer);
