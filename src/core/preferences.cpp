@@ -11,6 +11,7 @@ const QString oscListenPort = QStringLiteral("oscListenPort");
 const QString oscSendEnabled = QStringLiteral("oscSendEnabled");
 const QString oscSendHost = QStringLiteral("oscSendHost");
 const QString oscSendPort = QStringLiteral("oscSendPort");
+const QString oscSendStateChanges = QStringLiteral("oscSendStateChanges");
 const QString splashDuration = QStringLiteral("splashDuration");
 const QString alertOutputUID = QStringLiteral("alertOutputUID");
 const QString webEnabled = QStringLiteral("webEnabled");
@@ -36,6 +37,7 @@ int Preferences::oscListenPort() { return read(Key::oscListenPort, 53100).toInt(
 bool Preferences::oscSendEnabled() { return read(Key::oscSendEnabled, false).toBool(); }
 QString Preferences::oscSendHost() { return read(Key::oscSendHost, QStringLiteral("127.0.0.1")).toString(); }
 int Preferences::oscSendPort() { return read(Key::oscSendPort, 53101).toInt(); }
+bool Preferences::oscSendStateChanges() { return read(Key::oscSendStateChanges, false).toBool(); }
 double Preferences::splashDuration() { return read(Key::splashDuration, 10.0).toDouble(); }
 QString Preferences::alertOutputUID() { return read(Key::alertOutputUID, QString()).toString(); }
 
@@ -67,6 +69,7 @@ void Preferences::setOscListenPort(int port) { write(Key::oscListenPort, port); 
 void Preferences::setOscSendEnabled(bool on) { write(Key::oscSendEnabled, on); }
 void Preferences::setOscSendHost(const QString &host) { write(Key::oscSendHost, host); }
 void Preferences::setOscSendPort(int port) { write(Key::oscSendPort, port); }
+void Preferences::setOscSendStateChanges(bool on) { write(Key::oscSendStateChanges, on); }
 void Preferences::setSplashDuration(double seconds) { write(Key::splashDuration, seconds); }
 void Preferences::setAlertOutputUID(const QString &uid) { write(Key::alertOutputUID, uid); }
 void Preferences::setWebEnabled(bool on) { write(Key::webEnabled, on); }
@@ -83,6 +86,7 @@ Preferences::OscSettings Preferences::storedOscSettings()
     stored.sendEnabled = settings.value(Key::oscSendEnabled, false).toBool();
     stored.sendHost = settings.value(Key::oscSendHost, QStringLiteral("127.0.0.1")).toString();
     stored.sendPort = settings.value(Key::oscSendPort, 0).toInt();
+    stored.sendStateChanges = settings.value(Key::oscSendStateChanges, false).toBool();
     return stored;
 }
 
