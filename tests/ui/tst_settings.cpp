@@ -1,6 +1,7 @@
 #include "theme.h"
 #include "pixels.h"
 #include "settingsfixture.h"
+#include "osccodec.h"
 #include "uuidtext.h"
 
 #include <QDir>
@@ -67,6 +68,8 @@ private slots:
         QVERIFY(!f.shown("oscStatus")); // only while listening is on
         QCOMPARE(f.text("oscListenSwitch"), QStringLiteral("Recevoir des commandes OSC (QLab, Companion…)"));
         QCOMPARE(f.text("oscSendSwitch"), QStringLiteral("Émettre l'état en OSC"));
+        QCOMPARE(f.at("oscStateChangesSwitch")->property("checked").toBool(), false);
+        QCOMPARE(f.text("oscStateChangesSwitch"), QStringLiteral("Émettre aussi chaque changement d'état"));
         QCOMPARE(f.text("applyOsc"), QStringLiteral("Appliquer la configuration OSC"));
         QStringList help;
         for (QQuickItem *line : f.at("oscHelp")->childItems())
@@ -75,7 +78,8 @@ private slots:
         QCOMPARE(help, (QStringList{
                            "Adresses : /kairon/play · /pause · /stop · /next · /prev · /reset",
                            "/kairon/blackout · /kairon/blink · /kairon/message <s> · /kairon/adjust <±s>",
-                           "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>"}));
+                           "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>",
+                           "À chaque changement : /kairon/state <iiisiii> · /kairon/message <si>"}));
         // Showing them stores nothing.
         QVERIFY(QSettings().allKeys().isEmpty());
         keepScreenshot(f.shot(), QStringLiteral("settings-osc-fresh"));
@@ -192,6 +196,50 @@ private slots:
         QCOMPARE(f.at("oscStatusIcon")->property("symbol").toString(), QStringLiteral("checkmark.circle.fill"));
     }
 
+    // Stored at once, in force when applied, like the rest of the tab; a real peer then gets the
+    // current state, then each change.
+    void theStateChangesSwitchTakesEffectWhenApplied()
+    {
+        QUdpSocket peer;
+        QVERIFY(peer.bind(QHostAddress::LocalHost, 0));
+        SettingsFixture f;
+        f.engine.loadSession(showOf({durationCue("Intro", 600)}));
+        f.network.attach(&f.engine);
+        f.openTab(1);
+        f.click("oscSendSwitch");
+        f.type("oscSendPort", QString::number(peer.localPort()));
+        f.click("oscStateChangesSwitch");
+        QCOMPARE(stored("oscSendStateChanges").toBool(), true);
+        QVERIFY(!f.network.sendsStateChanges());
+        keepScreenshot(f.shot(), QStringLiteral("settings-osc-state-changes"));
+        f.click("applyOsc");
+        QVERIFY(f.network.sendsStateChanges());
+        f.engine.start();
+        const auto stateMessages = [&] {
+            QList<QByteArray> found;
+            while (peer.hasPendingDatagrams()) {
+                QByteArray datagram(peer.pendingDatagramSize(), Qt::Uninitialized);
+                peer.readDatagram(datagram.data(), datagram.size());
+                if (datagram.startsWith("/kairon/state"))
+                    found << datagram;
+            }
+            return found;
+        };
+        QList<QByteArray> received;
+        QTRY_VERIFY((received << stateMessages()).size() >= 2);
+        QCOMPARE(received[0], OSCCodec::encode(QStringLiteral("/kairon/state"),
+                                               {qint32(0), qint32(0), qint32(0), QString(), qint32(0),
+                                                qint32(0), qint32(0)}));
+        QCOMPARE(received[1], OSCCodec::encode(QStringLiteral("/kairon/state"),
+                                               {qint32(1), qint32(0), qint32(1), QStringLiteral("Intro"),
+                                                qint32(0), qint32(0), qint32(0)}));
+        // Off, stored and applied: no more.
+        f.click("oscStateChangesSwitch");
+        QCOMPARE(stored("oscSendStateChanges").toBool(), false);
+        f.click("applyOsc");
+        QVERIFY(!f.network.sendsStateChanges());
+    }
+
     void theAlertSoundsSwitchIsTheEngines()
     {
         SettingsFixture f;
@@ -202,7 +250,7 @@ private slots:
         QVERIFY(!f.engine.soundsEnabled());
         f.engine.setSoundsEnabled(true);
         QVERIFY(sounds->property("checked").toBool());
-        QVERIFY(QSettings().allKeys().isEmpty()); // not a stored preference
+        QVERIFY(QSettings().allKeys().isEmpty());
     }
 
     void theSplashSliderStaysWithin1And10WholeSeconds()

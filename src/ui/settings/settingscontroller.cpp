@@ -26,6 +26,7 @@ int SettingsController::oscListenPort() const { return Preferences::oscListenPor
 bool SettingsController::oscSendEnabled() const { return Preferences::oscSendEnabled(); }
 QString SettingsController::oscSendHost() const { return Preferences::oscSendHost(); }
 int SettingsController::oscSendPort() const { return Preferences::oscSendPort(); }
+bool SettingsController::oscSendStateChanges() const { return Preferences::oscSendStateChanges(); }
 
 int SettingsController::splashSeconds() const
 {
@@ -64,6 +65,12 @@ void SettingsController::setOscSendPort(int port)
 {
     if (isPort(port))
         Preferences::setOscSendPort(port);
+    emit oscPreferencesChanged();
+}
+
+void SettingsController::setOscSendStateChanges(bool on)
+{
+    Preferences::setOscSendStateChanges(on);
     emit oscPreferencesChanged();
 }
 

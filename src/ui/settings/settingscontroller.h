@@ -30,6 +30,8 @@ class SettingsController : public QObject
                    NOTIFY oscPreferencesChanged FINAL)
     Q_PROPERTY(int oscSendPort READ oscSendPort WRITE setOscSendPort
                    NOTIFY oscPreferencesChanged FINAL)
+    Q_PROPERTY(bool oscSendStateChanges READ oscSendStateChanges WRITE setOscSendStateChanges
+                   NOTIFY oscPreferencesChanged FINAL)
     // Whole seconds, 1 to 10.
     Q_PROPERTY(int splashSeconds READ splashSeconds WRITE setSplashSeconds
                    NOTIFY splashSecondsChanged FINAL)
@@ -62,12 +64,14 @@ public:
     bool oscSendEnabled() const;
     QString oscSendHost() const;
     int oscSendPort() const;
+    bool oscSendStateChanges() const;
     int splashSeconds() const;
     void setOscListenEnabled(bool on);
     void setOscListenPort(int port); // a port outside 1–65535 is not stored
     void setOscSendEnabled(bool on);
     void setOscSendHost(const QString &host);
     void setOscSendPort(int port);
+    void setOscSendStateChanges(bool on);
     void setSplashSeconds(int seconds); // held within 1–10
 
     QVariantList alertOutputs() const { return m_alertOutputs; }
