@@ -3,6 +3,8 @@
 #include <QRandomGenerator>
 #include <QSettings>
 
+#include <algorithm>
+
 namespace {
 
 namespace Key {
@@ -29,6 +31,9 @@ void write(const QString &key, const QVariant &value)
 {
     QSettings().setValue(key, value);
 }
+
+constexpr char codeAlphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+constexpr int codeLength = 8;
 
 } // namespace
 
@@ -57,11 +62,18 @@ QString Preferences::webAccessCode()
 
 QString Preferences::makeWebAccessCode()
 {
-    static constexpr char alphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+    static_assert(sizeof(codeAlphabet) - 1 == 32);
     QString code;
-    for (int i = 0; i < 8; ++i)
-        code.append(QLatin1Char(alphabet[QRandomGenerator::system()->bounded(32)]));
+    for (int i = 0; i < codeLength; ++i)
+        code.append(QLatin1Char(codeAlphabet[QRandomGenerator::system()->bounded(32)]));
     return code;
+}
+
+bool Preferences::isWebAccessCode(const QString &code)
+{
+    const QLatin1StringView alphabet(codeAlphabet);
+    return code.size() == codeLength
+           && std::all_of(code.cbegin(), code.cend(), [&](QChar c) { return alphabet.contains(c); });
 }
 
 void Preferences::setOscListenEnabled(bool on) { write(Key::oscListenEnabled, on); }

@@ -44,6 +44,8 @@ public:
     // A fresh access code: eight characters from an alphabet without the look-alikes 0/O and
     // 1/I, easy to read aloud and to type on a phone (32^8, about 10^12 codes).
     static QString makeWebAccessCode();
+    // Whether `code` could have been made so: eight characters of that alphabet, capitals only.
+    static bool isWebAccessCode(const QString &code);
 
     // ---- Raw, for the readers outside the settings window ----
     struct OscSettings {

@@ -8,6 +8,7 @@ namespace {
 const QHash<QString, char32_t> &table()
 {
     static const QHash<QString, char32_t> glyphs{
+        {QStringLiteral("arrow.clockwise"), 0xE5D5},                  // refresh
         {QStringLiteral("arrow.counterclockwise"), 0xE042},           // replay
         {QStringLiteral("arrow.right.circle"), 0xEAAA},               // arrow_circle_right
         {QStringLiteral("arrow.right.circle.fill"), 0xEAAA},          // arrow_circle_right
@@ -34,6 +35,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("folder.badge.plus"), 0xE2CC},                // create_new_folder
         {QStringLiteral("forward.end.fill"), 0xE044},                 // skip_next
         {QStringLiteral("gearshape"), 0xE8B8},                        // settings
+        {QStringLiteral("globe"), 0xE80B},                            // public
         {QStringLiteral("info.circle"), 0xE88F},                      // info_outline
         {QStringLiteral("info.circle.fill"), 0xE88E},                 // info
         {QStringLiteral("list.bullet.rectangle"), 0xE0EE},            // list_alt

@@ -64,6 +64,16 @@ quint16 WebServer::serverPort() const
     return m_gate && m_gate->isListening() ? m_gate->serverPort() : 0;
 }
 
+QHostAddress WebServer::serverAddress() const
+{
+    return m_gate && m_gate->isListening() ? m_gate->serverAddress() : QHostAddress();
+}
+
+void WebServer::reloadAccessCode()
+{
+    m_accessCode = Preferences::webAccessCode();
+}
+
 QVariant WebServer::webStatusVariant() const
 {
     return m_status ? QVariant(*m_status) : QVariant();

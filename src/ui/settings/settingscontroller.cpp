@@ -12,8 +12,8 @@
 #include <cmath>
 
 SettingsController::SettingsController(TimerEngine &engine, NetworkCoordinator &network,
-                                       SessionStore &store, QObject *parent)
-    : QObject(parent), m_engine(engine), m_network(network), m_store(store)
+                                       WebServer &web, SessionStore &store, QObject *parent)
+    : QObject(parent), m_engine(engine), m_network(network), m_store(store), m_web(web, this)
 {
     connect(&m_network, &NetworkCoordinator::oscStatusChanged, this,
             &SettingsController::oscStatusChanged);
@@ -131,6 +131,7 @@ void SettingsController::windowShown()
 {
     refreshAlertOutputs();
     m_deviceWatcher.startListeningForChanges();
+    m_web.refreshInterfaces();
 }
 
 void SettingsController::applyOSCSettings() { m_network.applyOSCSettings(); }
