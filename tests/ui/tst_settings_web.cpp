@@ -258,6 +258,8 @@ private slots:
         }
         scrollTo(f, f.at("webPage0_0"));
         keepScreenshot(f.shot(), shotName(f, "settings-web-on-addresses"));
+        scrollTo(f, f.at(qPrintable(QStringLiteral("webPage%1_2").arg(hosts.size() - 1))));
+        keepScreenshot(f.shot(), shotName(f, "settings-web-on-addresses-end"));
 
         // Off and applied: the server stops and the addresses go.
         scrollTab(f, 0);
