@@ -27,7 +27,7 @@ struct Peer {
     Peer() { socket.bind(QHostAddress::LocalHost, sendPort); }
     QList<OSCMessage> waitFor(int count)
     {
-        QTest::qWaitFor([&] {
+        (void)QTest::qWaitFor([&] {
             while (socket.hasPendingDatagrams()) {
                 QByteArray d(socket.pendingDatagramSize(), Qt::Uninitialized);
                 socket.readDatagram(d.data(), d.size());
@@ -356,6 +356,8 @@ private slots:
         Cue renamed = f.engine.session().cues[0];
         renamed.name = QStringLiteral("Accueil");
         QVERIFY(step([&] { f.engine.updateCue(renamed); }, {stateMessage(false, false, 1, "Accueil")}));
+        // Moving it down the running order changes its number.
+        QVERIFY(step([&] { f.engine.moveCue(0, 1); }, {stateMessage(false, false, 2, "Accueil")}));
         QCOMPARE(peer.count("/kairon/state") + peer.count("/kairon/message"), int(expected.size()));
     }
 
