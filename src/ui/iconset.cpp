@@ -25,6 +25,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("clock.fill"), 0xEFD6},                       // access_time_filled
         {QStringLiteral("doc.badge.clock"), 0xF1BB},                  // pending_actions
         {QStringLiteral("doc.richtext"), 0xEF42},                     // article
+        {QStringLiteral("doc.on.doc"), 0xE14D},                       // content_copy
         {QStringLiteral("door.left.hand.open"), 0xEB4F},              // meeting_room
         {QStringLiteral("ellipsis.circle"), 0xEF64},                  // pending
         {QStringLiteral("envelope"), 0xE0BE},                         // email

@@ -116,9 +116,14 @@ void WebServer::applyWebSettings()
     auto *gate = new RequestGate;
     gate->setRequestTimeoutMs(m_timeoutMs);
     if (!gate->listen(address, quint16(stored.port))) {
-        setStatus(QStringLiteral("Port %1 indisponible (%2)")
-                      .arg(stored.port)
-                      .arg(gate->errorString()));
+        // An address of a network the machine has left is no port problem.
+        if (gate->serverError() == QAbstractSocket::SocketAddressNotAvailableError)
+            setStatus(QStringLiteral("Adresse %1 absente de cette machine : choisir une autre interface")
+                          .arg(stored.interfaceAddress));
+        else
+            setStatus(QStringLiteral("Port %1 indisponible (%2)")
+                          .arg(stored.port)
+                          .arg(gate->errorString()));
         delete gate;
         return;
     }

@@ -4,7 +4,9 @@
 #include "qrcodeitem.h"
 #include "settingsfixture.h"
 #include "webaddresses.h"
+#include "enginefixture.h"
 
+#include <QClipboard>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -220,9 +222,9 @@ private slots:
         chooseInterface(f, QString());
         QCOMPARE(stored("webInterface").toString(), QString());
         // An address the machine no longer has stays chosen, and says so.
-        f.settings.web()->setWebInterface(QStringLiteral("192.0.2.254"));
+        f.settings.web()->setWebInterface(QStringLiteral("198.51.100.7"));
         QTRY_COMPARE(f.at("webInterfaceMenu")->property("displayText").toString(),
-                     QStringLiteral("192.0.2.254 (absente de cette machine)"));
+                     QStringLiteral("198.51.100.7 (absente de cette machine)"));
     }
 
     void applyingStartsTheServerWhichAnswersThenStopsIt()
@@ -299,6 +301,41 @@ private slots:
         f.click("applyWeb");
         QTRY_COMPARE(f.text("webStatusText"), QStringLiteral("Serveur web actif sur le port %1").arg(port));
         QVERIFY(listening(port));
+    }
+
+    // A page's address is copied by its button; Space stays the transport's key after it.
+    void anAddressIsCopiedAndSpaceStillPlays()
+    {
+        const quint16 port = freeTcpPort();
+        SettingsFixture f;
+        f.engine.loadSession(showOf({durationCue("Intro", 600)}));
+        serve(f, port, QStringLiteral("127.0.0.1"));
+        QTRY_COMPARE(f.web.serverPort(), port);
+        const QString url = QStringLiteral("http://127.0.0.1:%1/confidence").arg(port);
+        QCOMPARE(f.text("webPage0_1Url"), url);
+        QCOMPARE(f.text("webPage0_1Copy"), QStringLiteral("Copier l'adresse"));
+        scrollTo(f, f.at("webPage0_1"));
+        f.click("webPage0_1Copy");
+        QCOMPARE(QGuiApplication::clipboard()->text(), url);
+        QCOMPARE(f.text("webPage0_1Copy"), QStringLiteral("Adresse copiée"));
+        QTRY_COMPARE_WITH_TIMEOUT(f.text("webPage0_1Copy"), QStringLiteral("Copier l'adresse"), 4000);
+        QTest::keyClick(f.settingsWindow, Qt::Key_Space);
+        QVERIFY(f.engine.isRunning());
+    }
+
+    // The address chosen is gone (another network): the line says so, not that the port is taken.
+    void anAddressTheMachineNoLongerHasIsSaid()
+    {
+        const quint16 port = freeTcpPort();
+        SettingsFixture f;
+        f.settings.web()->setWebInterface(QStringLiteral("198.51.100.7"));
+        serve(f, port);
+        QTRY_COMPARE(f.text("webStatusText"),
+                     QStringLiteral("Adresse 198.51.100.7 absente de cette machine : choisir une autre interface"));
+        QCOMPARE(f.at("webStatusIcon")->property("symbol").toString(),
+                 QStringLiteral("exclamationmark.triangle.fill"));
+        QCOMPARE(f.at("webInterfaceMenu")->property("displayText").toString(),
+                 QStringLiteral("198.51.100.7 (absente de cette machine)"));
     }
 
     void aNewCodeReplacesTheOldOneAtOnce()

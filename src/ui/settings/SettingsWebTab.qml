@@ -110,6 +110,7 @@ SettingsPage {
                         title: modelData.title
                         detail: modelData.detail
                         url: modelData.url
+                        onCopyRequested: url => tab.web.copyToClipboard(url)
                     }
                 }
             }

@@ -2,13 +2,15 @@ import QtQuick
 import Kairon
 
 // One page's address: its QR code, large enough to scan with a phone held at arm's length, the
-// page's name, what it is for and its URL, which can be selected and copied.
+// page's name, what it is for, its URL and a button that copies it (to send it to the crew).
 Row {
     id: link
 
     property string title: ""
     property string detail: ""
     property string url: ""
+
+    signal copyRequested(string url)
 
     width: parent ? parent.width : implicitWidth
     spacing: 16
@@ -41,18 +43,34 @@ Row {
             font.pixelSize: 12
             wrapMode: Text.WordWrap
         }
-        TextEdit {
+        Text {
             objectName: link.objectName + "Url"
             width: parent.width
             topPadding: 4
+            bottomPadding: 4
             text: link.url
-            readOnly: true
-            selectByMouse: true
-            selectionColor: Qt.alpha(AppTheme.accent, 0.55)
             color: AppTheme.accent
             font.family: AppTheme.digitsFont
             font.pixelSize: 12
-            wrapMode: TextEdit.WrapAnywhere
+            wrapMode: Text.WrapAnywhere
+        }
+        AccentButtonStyle {
+            id: copy
+            objectName: link.objectName + "Copy"
+            // Says so for a moment once it has copied.
+            property bool copied: false
+            text: copied ? "Adresse copiée" : "Copier l'adresse"
+            symbol: copied ? "checkmark" : "doc.on.doc"
+            onClicked: {
+                link.copyRequested(link.url);
+                copied = true;
+                copiedLately.restart();
+            }
+            Timer {
+                id: copiedLately
+                interval: 2000
+                onTriggered: copy.copied = false
+            }
         }
     }
 }

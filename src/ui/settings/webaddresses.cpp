@@ -11,7 +11,7 @@ QList<Page> pages()
             {QStringLiteral("/confidence"), QStringLiteral("Confidence"),
              QStringLiteral("Écran de retour : cue en cours, suivant, intervenant")},
             {QStringLiteral("/"), QStringLiteral("Télécommande"),
-             QStringLiteral("Piloter le show depuis un téléphone (code d'accès)")}};
+             QStringLiteral("Piloter le show (code d'accès)")}};
 }
 
 QList<InterfaceAddress> machineAddresses()

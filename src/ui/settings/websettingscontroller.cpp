@@ -3,6 +3,9 @@
 #include "preferences.h"
 #include "webserver.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
 WebSettingsController::WebSettingsController(WebServer &server, QObject *parent)
     : QObject(parent), m_server(server)
 {
@@ -92,6 +95,11 @@ bool WebSettingsController::setAccessCode(const QString &typed)
         emit accessCodeChanged();
     }
     return true;
+}
+
+void WebSettingsController::copyToClipboard(const QString &text)
+{
+    QGuiApplication::clipboard()->setText(text);
 }
 
 void WebSettingsController::apply()

@@ -69,6 +69,8 @@ public:
     // Stores a typed code, capitals or not, when it is a whole code; false and nothing stored
     // otherwise.
     Q_INVOKABLE bool setAccessCode(const QString &typed);
+    // Puts a page's address on the clipboard, to paste it in a message to the crew.
+    Q_INVOKABLE void copyToClipboard(const QString &text);
 
 signals:
     void preferencesChanged();
