@@ -109,22 +109,33 @@ QSGNode *QrCodeItem::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
     if (!background) {
         background = window()->createRectangleNode();
         background->setColor(Qt::white);
-        QSGImageNode *symbol = window()->createImageNode();
-        symbol->setOwnsTexture(true);
-        symbol->setFiltering(QSGTexture::Nearest);
-        background->appendChildNode(symbol);
         m_imageChanged = true;
     }
     background->setRect(boundingRect());
     auto *symbol = static_cast<QSGImageNode *>(background->firstChild());
-    if (m_imageChanged && m_matrix.size > 0) {
+    // Better no code than one that cannot be read: none when there is nothing to encode or it
+    // does not fit.
+    const bool shown = m_matrix.size > 0 && modulePixels() > 0;
+    if (!shown) {
+        if (symbol) {
+            background->removeChildNode(symbol);
+            delete symbol;
+        }
+        m_imageChanged = true;
+        return background;
+    }
+    if (!symbol) {
+        symbol = window()->createImageNode();
+        symbol->setOwnsTexture(true);
+        background->appendChildNode(symbol);
+        m_imageChanged = true;
+    }
+    if (m_imageChanged) {
         symbol->setTexture(window()->createTextureFromImage(m_matrix.toImage()));
-        symbol->setFiltering(QSGTexture::Nearest);
+        symbol->setSourceRect(QRectF(QPointF(0, 0), symbol->texture()->textureSize()));
         m_imageChanged = false;
     }
-    // Better no code than one that cannot be read: nothing when it does not fit.
-    symbol->setRect(m_matrix.size > 0 && modulePixels() > 0 ? symbolRect() : QRectF());
-    if (symbol->texture())
-        symbol->setSourceRect(QRectF(QPointF(0, 0), symbol->texture()->textureSize()));
+    symbol->setFiltering(QSGTexture::Nearest);
+    symbol->setRect(symbolRect());
     return background;
 }
