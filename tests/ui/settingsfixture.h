@@ -57,6 +57,15 @@ struct SettingsFixture : SettingsSandbox, AppFixture { // the store is fresh bef
         for (const QChar c : text)
             QTest::keyClick(settingsWindow, c.toLatin1());
     }
+    // Waits for a switch's knob to end its slide, so that a picture shows it where it rests.
+    void settle(const char *name) const
+    {
+        const QQuickItem *control = at(name);
+        const auto *indicator = control->property("indicator").value<QQuickItem *>();
+        const QQuickItem *knob = indicator->childItems().value(0);
+        const qreal rest = control->property("checked").toBool() ? indicator->width() - knob->width() - 3 : 3;
+        QTRY_COMPARE(knob->x(), rest);
+    }
     QImage shot() const { return settingsWindow->grabWindow(); }
 
     QQuickWindow *settingsWindow = nullptr;

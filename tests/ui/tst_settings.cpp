@@ -219,6 +219,7 @@ private slots:
         f.click("oscStateChangesSwitch");
         QCOMPARE(stored("oscSendStateChanges").toBool(), true);
         QVERIFY(!f.network.sendsStateChanges());
+        f.settle("oscStateChangesSwitch");
         keepScreenshot(f.shot(), QStringLiteral("settings-osc-state-changes"));
         f.click("applyOsc");
         QVERIFY(f.network.sendsStateChanges());

@@ -113,6 +113,7 @@ class TestSettingsWeb : public QObject
     {
         f.openTab(webTab);
         f.click("webSwitch");
+        f.settle("webSwitch");
         f.type("webPort", QString::number(port));
         if (!interfaceAddress.isEmpty())
             chooseInterface(f, interfaceAddress);
