@@ -17,6 +17,7 @@
 #include "systemclock.h"
 #include "timerengine.h"
 #include "toastcenter.h"
+#include "webserver.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -85,7 +86,8 @@ int main(int argc, char **argv)
     SessionStore store(clock);
     ConsoleController console(engine, store, flow, toasts, screens, clock, {});
     NetworkCoordinator network; // remote control off, as on a fresh installation
-    SettingsController settings(engine, network, store);
+    WebServer web(engine, clock);
+    SettingsController settings(engine, network, web, store);
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));

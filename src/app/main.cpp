@@ -71,7 +71,7 @@ int main(int argc, char *argv[])
     if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
         LaunchProject::open(*file, store, engine, flow, toasts);
     ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
-    SettingsController settings(engine, network, store);
+    SettingsController settings(engine, network, web, store);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();

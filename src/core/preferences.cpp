@@ -3,6 +3,8 @@
 #include <QRandomGenerator>
 #include <QSettings>
 
+#include <algorithm>
+
 namespace {
 
 namespace Key {
@@ -11,6 +13,7 @@ const QString oscListenPort = QStringLiteral("oscListenPort");
 const QString oscSendEnabled = QStringLiteral("oscSendEnabled");
 const QString oscSendHost = QStringLiteral("oscSendHost");
 const QString oscSendPort = QStringLiteral("oscSendPort");
+const QString oscSendStateChanges = QStringLiteral("oscSendStateChanges");
 const QString splashDuration = QStringLiteral("splashDuration");
 const QString alertOutputUID = QStringLiteral("alertOutputUID");
 const QString webEnabled = QStringLiteral("webEnabled");
@@ -29,6 +32,9 @@ void write(const QString &key, const QVariant &value)
     QSettings().setValue(key, value);
 }
 
+constexpr char codeAlphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+constexpr int codeLength = 8;
+
 } // namespace
 
 bool Preferences::oscListenEnabled() { return read(Key::oscListenEnabled, false).toBool(); }
@@ -36,6 +42,7 @@ int Preferences::oscListenPort() { return read(Key::oscListenPort, 53100).toInt(
 bool Preferences::oscSendEnabled() { return read(Key::oscSendEnabled, false).toBool(); }
 QString Preferences::oscSendHost() { return read(Key::oscSendHost, QStringLiteral("127.0.0.1")).toString(); }
 int Preferences::oscSendPort() { return read(Key::oscSendPort, 53101).toInt(); }
+bool Preferences::oscSendStateChanges() { return read(Key::oscSendStateChanges, false).toBool(); }
 double Preferences::splashDuration() { return read(Key::splashDuration, 10.0).toDouble(); }
 QString Preferences::alertOutputUID() { return read(Key::alertOutputUID, QString()).toString(); }
 
@@ -55,11 +62,18 @@ QString Preferences::webAccessCode()
 
 QString Preferences::makeWebAccessCode()
 {
-    static constexpr char alphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+    static_assert(sizeof(codeAlphabet) - 1 == 32);
     QString code;
-    for (int i = 0; i < 8; ++i)
-        code.append(QLatin1Char(alphabet[QRandomGenerator::system()->bounded(32)]));
+    for (int i = 0; i < codeLength; ++i)
+        code.append(QLatin1Char(codeAlphabet[QRandomGenerator::system()->bounded(32)]));
     return code;
+}
+
+bool Preferences::isWebAccessCode(const QString &code)
+{
+    const QLatin1StringView alphabet(codeAlphabet);
+    return code.size() == codeLength
+           && std::all_of(code.cbegin(), code.cend(), [&](QChar c) { return alphabet.contains(c); });
 }
 
 void Preferences::setOscListenEnabled(bool on) { write(Key::oscListenEnabled, on); }
@@ -67,6 +81,7 @@ void Preferences::setOscListenPort(int port) { write(Key::oscListenPort, port); 
 void Preferences::setOscSendEnabled(bool on) { write(Key::oscSendEnabled, on); }
 void Preferences::setOscSendHost(const QString &host) { write(Key::oscSendHost, host); }
 void Preferences::setOscSendPort(int port) { write(Key::oscSendPort, port); }
+void Preferences::setOscSendStateChanges(bool on) { write(Key::oscSendStateChanges, on); }
 void Preferences::setSplashDuration(double seconds) { write(Key::splashDuration, seconds); }
 void Preferences::setAlertOutputUID(const QString &uid) { write(Key::alertOutputUID, uid); }
 void Preferences::setWebEnabled(bool on) { write(Key::webEnabled, on); }
@@ -83,6 +98,7 @@ Preferences::OscSettings Preferences::storedOscSettings()
     stored.sendEnabled = settings.value(Key::oscSendEnabled, false).toBool();
     stored.sendHost = settings.value(Key::oscSendHost, QStringLiteral("127.0.0.1")).toString();
     stored.sendPort = settings.value(Key::oscSendPort, 0).toInt();
+    stored.sendStateChanges = settings.value(Key::oscSendStateChanges, false).toBool();
     return stored;
 }
 

@@ -17,6 +17,8 @@ public:
     static bool oscSendEnabled();    // false
     static QString oscSendHost();    // "127.0.0.1"
     static int oscSendPort();        // 53101
+    // Whether every change of the transport and of the show controls also goes out at once.
+    static bool oscSendStateChanges(); // false
     static double splashDuration();  // 10.0 seconds
     static QString alertOutputUID(); // "": the system output
     static bool webEnabled();        // false
@@ -31,6 +33,7 @@ public:
     static void setOscSendEnabled(bool on);
     static void setOscSendHost(const QString &host);
     static void setOscSendPort(int port);
+    static void setOscSendStateChanges(bool on);
     static void setSplashDuration(double seconds);
     static void setAlertOutputUID(const QString &uid);
     static void setWebEnabled(bool on);
@@ -41,6 +44,8 @@ public:
     // A fresh access code: eight characters from an alphabet without the look-alikes 0/O and
     // 1/I, easy to read aloud and to type on a phone (32^8, about 10^12 codes).
     static QString makeWebAccessCode();
+    // Whether `code` could have been made so: eight characters of that alphabet, capitals only.
+    static bool isWebAccessCode(const QString &code);
 
     // ---- Raw, for the readers outside the settings window ----
     struct OscSettings {
@@ -49,6 +54,7 @@ public:
         bool sendEnabled = false;
         QString sendHost = QStringLiteral("127.0.0.1");
         int sendPort = 0;
+        bool sendStateChanges = false;
 
         bool operator==(const OscSettings &) const = default;
     };

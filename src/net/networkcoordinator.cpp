@@ -29,6 +29,13 @@ void NetworkCoordinator::attach(TimerEngine *engine)
         if (self)
             self->emitState(snapshot);
     });
+    // Every operation calls the hook once it is done, so the changes of state are sent from
+    // there. The flags that the console sets directly call no hook, and editing can move or
+    // rename the active cue: those are looked at once the current turn of the loop is over,
+    // when the operation that changed them is whole.
+    for (auto signal : {&TimerEngine::blackoutChanged, &TimerEngine::clockModeChanged,
+                        &TimerEngine::activeCueChanged, &TimerEngine::sessionChanged})
+        connect(engine, signal, this, &NetworkCoordinator::scheduleStateChanges);
     applyOSCSettings();
 }
 
@@ -80,7 +87,7 @@ void NetworkCoordinator::handleCommand(const OSCMessage &message)
     }
 }
 
-void NetworkCoordinator::emitState(const TimerStateSnapshot &snapshot)
+void NetworkCoordinator::emitRemainingSecond(const TimerStateSnapshot &snapshot)
 {
     // The three messages travel together, at most once per change of the whole second; a
     // change of the running flag or the cue within the same second waits for the next one.
@@ -91,6 +98,44 @@ void NetworkCoordinator::emitState(const TimerStateSnapshot &snapshot)
     m_osc.send(QStringLiteral("/kairon/remaining"), {float(snapshot.remaining)});
     m_osc.send(QStringLiteral("/kairon/running"), {qint32(snapshot.running ? 1 : 0)});
     m_osc.send(QStringLiteral("/kairon/cue"), {snapshot.cueName});
+}
+
+void NetworkCoordinator::emitState(const TimerStateSnapshot &snapshot)
+{
+    emitRemainingSecond(snapshot);
+    sendStateChanges();
+}
+
+void NetworkCoordinator::scheduleStateChanges()
+{
+    if (!m_sendStateChanges || m_stateChangesScheduled)
+        return;
+    m_stateChangesScheduled = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_stateChangesScheduled = false;
+            sendStateChanges();
+        },
+        Qt::QueuedConnection);
+}
+
+void NetworkCoordinator::sendStateChanges()
+{
+    const TimerEngine *engine = m_engine;
+    if (!m_sendStateChanges || !engine)
+        return;
+    using namespace OSCStateChange;
+    const ShowState state = showStateOf(*engine);
+    if (state != m_lastShowState) {
+        m_lastShowState = state;
+        m_osc.send(QString::fromLatin1(stateAddress), state.arguments());
+    }
+    const OnAir onAir = onAirOf(*engine);
+    if (onAir != m_lastOnAir) {
+        m_lastOnAir = onAir;
+        m_osc.send(QString::fromLatin1(messageAddress), onAir.arguments());
+    }
 }
 
 void NetworkCoordinator::applyOSCSettings()
@@ -104,6 +149,11 @@ void NetworkCoordinator::applyOSCSettings()
         m_osc.configureSend(stored.sendHost, quint16(stored.sendPort));
     else
         m_osc.configureSend(QString(), 0);
+    m_sendStateChanges = stored.sendStateChanges;
+    // Forgotten, so that the current state goes out now and a receiver starts from it.
+    m_lastShowState.reset();
+    m_lastOnAir.reset();
+    sendStateChanges();
 }
 
 QVariant NetworkCoordinator::oscStatusVariant() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oscservice.h"
+#include "oscstatechange.h"
 #include "timerstatesnapshot.h"
 
 #include <QList>
@@ -14,6 +15,8 @@ class TimerEngine;
 
 // Binds remote control to the engine: received OSC commands become engine operations, and the
 // engine's state goes out as OSC messages at most once per whole second of remaining time.
+// When asked (preference oscSendStateChanges), each change of the transport or of the show
+// controls also goes out at once, as "/kairon/state" and "/kairon/message" (oscstatechange.h).
 class NetworkCoordinator : public QObject
 {
     Q_OBJECT
@@ -27,7 +30,8 @@ public:
     // applies the stored OSC preferences.
     void attach(TimerEngine *engine);
     // Reads the stored OSC preferences afresh and (re)configures listening and sending. A port
-    // never stored reads as 0 and disables its direction.
+    // never stored reads as 0 and disables its direction. With the changes of state asked for,
+    // the current state goes out once, so that the receiver starts from it.
     Q_INVOKABLE void applyOSCSettings();
 
     std::optional<QString> oscStatus() const { return m_oscStatus; }
@@ -35,8 +39,14 @@ public:
 
     // Handles one command now (the OSC callback queues them first, see attach()).
     void handleCommand(const OSCMessage &message);
-    // Sends the state if its whole second of remaining time differs from the last one sent.
+    // Sends the state if its whole second of remaining time differs from the last one sent;
+    // then, when they are asked for, the changes of state (see sendStateChanges()).
     void emitState(const TimerStateSnapshot &snapshot);
+    // Sends "/kairon/state" if the transport or a show control changed since it was last sent,
+    // and "/kairon/message" if the message on air did: one message per change, none for a tick
+    // that only moves the clock. Does nothing unless the changes of state are asked for.
+    void sendStateChanges();
+    bool sendsStateChanges() const { return m_sendStateChanges; }
 
     // Longest stretch of command handling in one turn of the event loop, so that a flood of
     // commands never holds back the engine's ticker.
@@ -48,6 +58,8 @@ signals:
 private:
     QVariant oscStatusVariant() const;
     void handleQueuedCommands();
+    void scheduleStateChanges();
+    void emitRemainingSecond(const TimerStateSnapshot &snapshot);
 
     OSCService m_osc;
     QPointer<TimerEngine> m_engine;
@@ -55,4 +67,8 @@ private:
     std::optional<QString> m_oscStatus;
     QList<OSCMessage> m_queued;
     bool m_handlingScheduled = false;
+    bool m_sendStateChanges = false;
+    bool m_stateChangesScheduled = false;
+    std::optional<OSCStateChange::ShowState> m_lastShowState; // as last sent
+    std::optional<OSCStateChange::OnAir> m_lastOnAir;         // as last sent
 };

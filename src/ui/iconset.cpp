@@ -8,6 +8,7 @@ namespace {
 const QHash<QString, char32_t> &table()
 {
     static const QHash<QString, char32_t> glyphs{
+        {QStringLiteral("arrow.clockwise"), 0xE5D5},                  // refresh
         {QStringLiteral("arrow.counterclockwise"), 0xE042},           // replay
         {QStringLiteral("arrow.right.circle"), 0xEAAA},               // arrow_circle_right
         {QStringLiteral("arrow.right.circle.fill"), 0xEAAA},          // arrow_circle_right
@@ -24,6 +25,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("clock.fill"), 0xEFD6},                       // access_time_filled
         {QStringLiteral("doc.badge.clock"), 0xF1BB},                  // pending_actions
         {QStringLiteral("doc.richtext"), 0xEF42},                     // article
+        {QStringLiteral("doc.on.doc"), 0xE14D},                       // content_copy
         {QStringLiteral("door.left.hand.open"), 0xEB4F},              // meeting_room
         {QStringLiteral("ellipsis.circle"), 0xEF64},                  // pending
         {QStringLiteral("envelope"), 0xE0BE},                         // email
@@ -34,6 +36,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("folder.badge.plus"), 0xE2CC},                // create_new_folder
         {QStringLiteral("forward.end.fill"), 0xE044},                 // skip_next
         {QStringLiteral("gearshape"), 0xE8B8},                        // settings
+        {QStringLiteral("globe"), 0xE80B},                            // public
         {QStringLiteral("info.circle"), 0xE88F},                      // info_outline
         {QStringLiteral("info.circle.fill"), 0xE88E},                 // info
         {QStringLiteral("list.bullet.rectangle"), 0xE0EE},            // list_alt

@@ -93,6 +93,16 @@ quint16 WebServer::serverPort() const
     return m_gate && m_gate->isListening() ? m_gate->serverPort() : 0;
 }
 
+QHostAddress WebServer::serverAddress() const
+{
+    return m_gate && m_gate->isListening() ? m_gate->serverAddress() : QHostAddress();
+}
+
+void WebServer::reloadAccessCode()
+{
+    m_accessCode = Preferences::webAccessCode();
+}
+
 QVariant WebServer::webStatusVariant() const
 {
     return m_status ? QVariant(*m_status) : QVariant();
@@ -135,9 +145,14 @@ void WebServer::applyWebSettings()
     auto *gate = new RequestGate;
     gate->setRequestTimeoutMs(m_timeoutMs);
     if (!gate->listen(address, quint16(stored.port))) {
-        setStatus(QStringLiteral("Port %1 indisponible (%2)")
-                      .arg(stored.port)
-                      .arg(gate->errorString()));
+        // An address of a network the machine has left is no port problem.
+        if (gate->serverError() == QAbstractSocket::SocketAddressNotAvailableError)
+            setStatus(QStringLiteral("Adresse %1 absente de cette machine : choisir une autre interface")
+                          .arg(stored.interfaceAddress));
+        else
+            setStatus(QStringLiteral("Port %1 indisponible (%2)")
+                          .arg(stored.port)
+                          .arg(gate->errorString()));
         delete gate;
         return;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHostAddress>
 #include <QHttpServer>
 #include <QList>
 #include <QObject>
@@ -35,6 +36,10 @@ public:
 
     std::optional<QString> webStatus() const { return m_status; }
     quint16 serverPort() const; // 0 while not serving
+    QHostAddress serverAddress() const; // the address bound (Any for every interface); null while not serving
+    // Takes the stored access code at once, without a restart: the viewers stay connected and
+    // only the commands need the new code.
+    void reloadAccessCode();
     int viewerCount() const { return int(m_viewers.size()); }
     // How long a client may take to send a whole request before it gets a 408.
     void setRequestTimeoutMs(int ms);

@@ -193,7 +193,7 @@ stored() { grep -qxF "$1" "$XDG_CONFIG_HOME/Kairon/Kairon.conf" 2>/dev/null; }
 # The OSC tab's status line: its check-mark icon, green, at the line's left.
 osc_listening_line() {
     snap
-    (($(pixels count "$work/now.ppm" $((wx + 18)) $((wy + 276)) 24 26 46,204,113 8) > 60))
+    (($(pixels count "$work/now.ppm" $((wx + 18)) $((wy + 296)) 24 26 46,204,113 8) > 60))
 }
 # Replaces the text of the field at X Y (in the window) with TEXT, as a person would.
 retype() {
@@ -216,8 +216,8 @@ configure_settings() {
     poll 10 "the alerts' output is stored as Retour scène" stored "alertOutputUID=kairon_stage"
     snap
     keep settings-alert-output
-    # "OSC": receiving on, its port; sending on, its port; applied.
-    click $((wx + 196)) $((wy + 32))
+    # "OSC", the second of five tabs: receiving on, its port; sending on, its port; applied.
+    click $((wx + 158)) $((wy + 32))
     click $((wx + 38)) $((wy + 96))
     poll 10 "receiving OSC is stored as on" stored "oscListenEnabled=true"
     retype 112 128 "$listen_port"
@@ -226,7 +226,7 @@ configure_settings() {
     retype 340 198 "$send_port"
     poll 10 "the receiving port is stored" stored "oscListenPort=$listen_port"
     poll 10 "the sending port is stored" stored "oscSendPort=$send_port"
-    click $((wx + 133)) $((wy + 244))
+    click $((wx + 133)) $((wy + 272))
     poll 10 "the status line says OSC listens" osc_listening_line
     keep settings-osc-applied
     # Closed as any window, with the window manager's key.

@@ -4,6 +4,9 @@
 #include "settingssandbox.h"
 
 #include <QSignalSpy>
+
+#include <algorithm>
+#include <functional>
 #include <QTest>
 #include <QUdpSocket>
 
@@ -24,7 +27,7 @@ struct Peer {
     Peer() { socket.bind(QHostAddress::LocalHost, sendPort); }
     QList<OSCMessage> waitFor(int count)
     {
-        QTest::qWaitFor([&] {
+        (void)QTest::qWaitFor([&] {
             while (socket.hasPendingDatagrams()) {
                 QByteArray d(socket.pendingDatagramSize(), Qt::Uninitialized);
                 socket.readDatagram(d.data(), d.size());
@@ -35,10 +38,61 @@ struct Peer {
         }, 5000);
         return received;
     }
+    // Everything received until `done` holds (or 5 s have passed).
+    void readUntil(const std::function<bool()> &done)
+    {
+        (void)QTest::qWaitFor([&] {
+            waitFor(0);
+            return done();
+        }, 5000);
+    }
+    // The datagrams of the messages sent on each change of state, in order.
+    QList<QByteArray> changes() const
+    {
+        QList<QByteArray> found;
+        for (qsizetype i = 0; i < received.size(); ++i)
+            if (received[i].address == QLatin1StringView("/kairon/state")
+                || received[i].address == QLatin1StringView("/kairon/message"))
+                found << raw[i];
+        return found;
+    }
+    int count(const char *address) const
+    {
+        return int(std::count_if(received.cbegin(), received.cend(), [&](const OSCMessage &m) {
+            return m.address == QLatin1StringView(address);
+        }));
+    }
+    bool hasRemaining(float value) const
+    {
+        return raw.contains(OSCCodec::encode(QStringLiteral("/kairon/remaining"), {value}));
+    }
     QUdpSocket socket;
     QList<QByteArray> raw;
     QList<OSCMessage> received;
 };
+
+// "/kairon/state" with its seven arguments: running, paused, cue number, cue name, blackout,
+// freeze, clock mode.
+QByteArray stateMessage(bool running, bool paused, int cue, const char *name, bool blackout = false,
+                        bool freeze = false, bool clockMode = false)
+{
+    return OSCCodec::encode(QStringLiteral("/kairon/state"),
+                            {qint32(running), qint32(paused), qint32(cue), QString::fromUtf8(name),
+                             qint32(blackout), qint32(freeze), qint32(clockMode)});
+}
+
+QByteArray messageMessage(const char *text, bool urgent)
+{
+    return OSCCodec::encode(QStringLiteral("/kairon/message"),
+                            {QString::fromUtf8(text), qint32(urgent)});
+}
+
+void storeSendingTo(quint16 port, bool stateChanges)
+{
+    Preferences::setOscSendEnabled(true);
+    Preferences::setOscSendPort(port);
+    Preferences::setOscSendStateChanges(stateChanges);
+}
 
 TimerStateSnapshot state(double remaining, bool running = true, const char *cue = "Keynote")
 {
@@ -223,6 +277,166 @@ private slots:
         c.applyOSCSettings();
         QTRY_VERIFY(QUdpSocket().bind(QHostAddress::Any, listenPort, QAbstractSocket::DontShareAddress));
         QVERIFY(QUdpSocket().bind(QHostAddress::Any, 53100, QAbstractSocket::DontShareAddress));
+    }
+
+    // The bytes of both, written from the OSC 1.0 rules: the address and the type tags, each
+    // padded with zeros to a multiple of four, then each integer big-endian and each padded string.
+    void theMessagesOfAChangeAreWrittenAsOSCWants()
+    {
+        const QByteArray state = QByteArray::fromHex(
+            "2f6b6169726f6e2f7374617465000000"  // "/kairon/state"
+            "2c6969697369696900000000"          // ",iiisiii"
+            "00000001" "00000000" "00000002"    // running, not paused, cue 2
+            "42000000"                          // "B"
+            "00000000" "00000001" "00000000");  // no blackout, frozen, no clock mode
+        QCOMPARE(stateMessage(true, false, 2, "B", false, true, false), state);
+        const OSCStateChange::ShowState shown{true, false, 2, QStringLiteral("B"), false, true, false};
+        QCOMPARE(OSCCodec::encode(QStringLiteral("/kairon/state"), shown.arguments()), state);
+        const QByteArray message = QByteArray::fromHex(
+            "2f6b6169726f6e2f6d65737361676500"  // "/kairon/message"
+            "2c736900"                          // ",si"
+            "46696e00"                          // "Fin"
+            "00000001");                        // urgent
+        QCOMPARE(messageMessage("Fin", true), message);
+        const OSCStateChange::OnAir onAir{QStringLiteral("Fin"), true};
+        QCOMPARE(OSCCodec::encode(QStringLiteral("/kairon/message"), onAir.arguments()), message);
+    }
+
+    void everyChangeOfTheTransportAndTheShowControlsGoesOutAtOnce()
+    {
+        storeSendingTo(sendPort, true);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 600), durationCue("Débat", 300)}));
+        NetworkCoordinator c;
+        c.attach(&f.engine); // the current state goes out once, so that the receiver starts from it
+        QList<QByteArray> expected{stateMessage(false, false, 0, ""), messageMessage("", false)};
+
+        // Each operation, then exactly the messages it should send, in order.
+        const auto step = [&](const std::function<void()> &operation, const QList<QByteArray> &sent) {
+            operation();
+            expected << sent;
+            peer.readUntil([&] { return peer.changes().size() >= expected.size(); });
+            if (peer.changes() != expected)
+                qWarning() << "received" << peer.changes() << "\nexpected" << expected;
+            return peer.changes() == expected;
+        };
+        QVERIFY(step([&] { c.handleCommand(command("/kairon/play")); },
+                     {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.pause(); }, {stateMessage(true, true, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.pause(); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.next(); }, {stateMessage(true, false, 2, "Débat")}));
+        QVERIFY(step([&] { f.engine.previous(); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { c.handleCommand(command("/kairon/blackout")); },
+                     {stateMessage(true, false, 1, "Ouverture", true)}));
+        // The console sets this flag without the hook: it goes out once the turn is over.
+        QVERIFY(step([&] { f.engine.setBlackout(false); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.toggleFreeze(); },
+                     {stateMessage(true, false, 1, "Ouverture", false, true)}));
+        QVERIFY(step([&] { f.engine.toggleFreeze(); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.setClockMode(true); },
+                     {stateMessage(true, false, 1, "Ouverture", false, false, true)}));
+        QVERIFY(step([&] { f.engine.setClockMode(false); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.sendMessage(QStringLiteral("Merci de conclure"), true); },
+                     {messageMessage("Merci de conclure", true)}));
+        QVERIFY(step([&] { c.handleCommand(command("/kairon/message", QStringLiteral("Dernière minute"))); },
+                     {messageMessage("Dernière minute", false)}));
+        QVERIFY(step([&] { f.engine.sendMessage(std::nullopt, true); }, {messageMessage("", false)}));
+        QVERIFY(step([&] { f.engine.pause(); }, {stateMessage(true, true, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.reset(); }, {stateMessage(true, false, 1, "Ouverture")}));
+        QVERIFY(step([&] { f.engine.stop(); }, {stateMessage(false, false, 1, "Ouverture")}));
+        // The same state again is no change: nothing goes out (the next step would see it).
+        QVERIFY(step([&] {
+            f.engine.stop();
+            f.engine.setBlackout(false);
+            f.engine.sendMessage(std::nullopt, false);
+            QCoreApplication::sendPostedEvents();
+        }, {}));
+        // Renaming the active cue changes what the state calls it.
+        Cue renamed = f.engine.session().cues[0];
+        renamed.name = QStringLiteral("Accueil");
+        QVERIFY(step([&] { f.engine.updateCue(renamed); }, {stateMessage(false, false, 1, "Accueil")}));
+        // Moving it down the running order changes its number.
+        QVERIFY(step([&] { f.engine.moveCue(0, 1); }, {stateMessage(false, false, 2, "Accueil")}));
+        QCOMPARE(peer.count("/kairon/state") + peer.count("/kairon/message"), int(expected.size()));
+    }
+
+    void aTickThatOnlyMovesTheClockSendsNoChange()
+    {
+        storeSendingTo(sendPort, true);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 5)}));
+        NetworkCoordinator c;
+        c.attach(&f.engine);
+        f.engine.start();
+        for (int i = 0; i < 80; ++i) { // eight seconds, into overtime
+            f.clock.advance(100ms);
+            f.engine.tick();
+        }
+        QCoreApplication::sendPostedEvents();
+        f.engine.pause(); // the next change: everything sent before it has arrived with it
+        const QList<QByteArray> expected{stateMessage(false, false, 0, ""), messageMessage("", false),
+                                         stateMessage(true, false, 1, "Ouverture"),
+                                         stateMessage(true, true, 1, "Ouverture")};
+        peer.readUntil([&] { return peer.changes().size() >= expected.size(); });
+        QCOMPARE(peer.changes(), expected);
+        QCOMPARE(peer.count("/kairon/remaining"), 9); // 5 to -3: the seconds went out as before
+    }
+
+    void withTheSwitchOffNoChangeGoesOut()
+    {
+        storeSendingTo(sendPort, false);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 600), durationCue("Débat", 300)}));
+        NetworkCoordinator c;
+        c.attach(&f.engine);
+        QVERIFY(!c.sendsStateChanges());
+        c.handleCommand(command("/kairon/play"));
+        f.engine.pause();
+        f.engine.next();
+        c.handleCommand(command("/kairon/blackout"));
+        f.engine.setClockMode(true);
+        f.engine.toggleFreeze();
+        f.engine.toggleFreeze();
+        f.engine.sendMessage(QStringLiteral("Merci"), true);
+        f.engine.stop();
+        QCoreApplication::sendPostedEvents();
+        f.engine.adjust(-100); // a new whole second, sent after all the rest
+        peer.readUntil([&] { return peer.hasRemaining(200.0f); });
+        QVERIFY(peer.hasRemaining(200.0f));
+        QCOMPARE(peer.changes(), QList<QByteArray>{});
+        QCOMPARE(peer.received.first().address, QStringLiteral("/kairon/remaining"));
+    }
+
+    void theSwitchTakesEffectWhenApplied()
+    {
+        storeSendingTo(sendPort, false);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 600)}));
+        NetworkCoordinator c;
+        c.attach(&f.engine);
+        Preferences::setOscSendStateChanges(true);
+        f.engine.start(); // stored but not applied: no change goes out
+        QVERIFY(!c.sendsStateChanges());
+        c.applyOSCSettings(); // applied: the current state at once, then each change
+        QVERIFY(c.sendsStateChanges());
+        f.engine.pause();
+        const QList<QByteArray> expected{stateMessage(true, false, 1, "Ouverture"), messageMessage("", false),
+                                         stateMessage(true, true, 1, "Ouverture")};
+        peer.readUntil([&] { return peer.changes().size() >= expected.size(); });
+        QCOMPARE(peer.changes(), expected);
+
+        Preferences::setOscSendStateChanges(false);
+        c.applyOSCSettings();
+        f.engine.stop();
+        f.engine.start();
+        f.engine.adjust(-10); // a new whole second, sent after all the rest
+        peer.readUntil([&] { return peer.hasRemaining(590.0f); });
+        QVERIFY(peer.hasRemaining(590.0f));
+        QCOMPARE(peer.changes(), expected);
     }
 
     void aTakenPortShowsInTheStatus()

@@ -147,6 +147,14 @@ apt-cache depends --recurse --installed --no-recommends --no-suggests --no-confl
 # The essential packages are on every Debian system: no package names them.
 dpkg-query -W -f='${Package} ${Essential}\n' | awk '$2 == "yes" { print $1 }' > "$dir/essential"
 sort -u "$dir/depended" "$dir/essential" > "$dir/closure"
+# The name-service modules that this machine's /etc/nsswitch.conf names (libnss_mdns4_minimal
+# when libnss-mdns is installed…) are the machine's choice, loaded by any program that resolves a
+# host name: they are passed over, whichever package brought them.
+services=$(sed -n 's/#.*//; s/^[a-z]*:\(.*\)/\1/p' /etc/nsswitch.conf 2>/dev/null \
+    | tr -s ' \t' '\n' | grep -E '^[a-z0-9_]+$' | sort -u || true)
+for service in $services; do
+    sed -i "\\#/libnss_${service}\\.so[.0-9]*\$#d" "$dir/mapped"
+done
 mapfile -t mapped < "$dir/mapped"
 # Debian 12 records some libraries under /lib, which is /usr/lib: both names are asked. A file
 # no package owns was made on the machine (a cache, the locale archive) and is passed over.

@@ -14,6 +14,7 @@
 #include "settingscontroller.h"
 #include "temphome.h"
 #include "toastcenter.h"
+#include "webserver.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
@@ -30,7 +31,7 @@ struct AppFixture : EngineFixture {
         : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock),
           console(engine, store, flow, toasts, screens, clock,
                   [this](const QString &path) { revealed << path; }),
-          settings(engine, network, store)
+          web(engine, clock), settings(engine, network, web, store)
     {
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
@@ -68,6 +69,7 @@ struct AppFixture : EngineFixture {
     QStringList revealed; // the exported files shown in the file manager
     ConsoleController console;
     NetworkCoordinator network; // not attached: the engine's state hook stays the fixture's
+    WebServer web;              // not serving until its settings are applied
     SettingsController settings;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;

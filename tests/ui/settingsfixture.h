@@ -40,7 +40,7 @@ struct SettingsFixture : SettingsSandbox, AppFixture { // the store is fresh bef
         QVERIFY2(target && shown(name), name);
         QTest::mouseClick(settingsWindow, Qt::LeftButton, {}, centre(target));
     }
-    // Shows a tab by clicking it: 0 "Général", 1 "OSC", 2 "Session", 3 "À propos".
+    // Shows a tab by clicking it: 0 "Général", 1 "OSC", 2 "Web", 3 "Session", 4 "À propos".
     void openTab(int index)
     {
         const QByteArray name = "settingsTab" + QByteArray::number(index);
@@ -56,6 +56,15 @@ struct SettingsFixture : SettingsSandbox, AppFixture { // the store is fresh bef
         QTest::keyClick(settingsWindow, Qt::Key_Backspace);
         for (const QChar c : text)
             QTest::keyClick(settingsWindow, c.toLatin1());
+    }
+    // Waits for a switch's knob to end its slide, so that a picture shows it where it rests.
+    void settle(const char *name) const
+    {
+        const QQuickItem *control = at(name);
+        const auto *indicator = control->property("indicator").value<QQuickItem *>();
+        const QQuickItem *knob = indicator->childItems().value(0);
+        const qreal rest = control->property("checked").toBool() ? indicator->width() - knob->width() - 3 : 3;
+        QTRY_COMPARE(knob->x(), rest);
     }
     QImage shot() const { return settingsWindow->grabWindow(); }
 

@@ -1,6 +1,7 @@
 #include "theme.h"
 #include "pixels.h"
 #include "settingsfixture.h"
+#include "osccodec.h"
 #include "uuidtext.h"
 
 #include <QDir>
@@ -27,9 +28,17 @@ class TestSettings : public QObject
         return probe.bind(QHostAddress::Any, port, QAbstractSocket::DontShareAddress);
     }
     static QVariant stored(const char *key) { return QSettings().value(QLatin1StringView(key)); }
+    // The keys stored, but the web access code: made and stored the first time anything reads
+    // it (at launch, the web server), so that the window and the server always agree on it.
+    static QStringList keysStored()
+    {
+        QStringList keys = QSettings().allKeys();
+        keys.removeAll(QStringLiteral("webAccessCode"));
+        return keys;
+    }
 
 private slots:
-    void theWindowHasItsSizeAndItsFourTabsInOrder()
+    void theWindowHasItsSizeAndItsFiveTabsInOrder()
     {
         SettingsFixture f;
         QCOMPARE(f.settingsWindow->size(), QSize(520, 460));
@@ -41,16 +50,16 @@ private slots:
             labels << entry.toMap().value("label").toString();
             symbols << entry.toMap().value("symbol").toString();
         }
-        QCOMPARE(labels, (QStringList{"Général", "OSC", "Session", "À propos"}));
-        QCOMPARE(symbols, (QStringList{"gearshape", "network", "folder", "info.circle"}));
-        for (int i = 0; i < 4; ++i)
+        QCOMPARE(labels, (QStringList{"Général", "OSC", "Web", "Session", "À propos"}));
+        QCOMPARE(symbols, (QStringList{"gearshape", "network", "globe", "folder", "info.circle"}));
+        for (int i = 0; i < 5; ++i)
             QCOMPARE(f.at(qPrintable(QStringLiteral("settingsTab%1").arg(i)))->property("text").toString(),
                      labels[i]);
         // Each tab's content starts 20 from the edges.
         const QQuickItem *slider = f.at("alertOutputMenu");
         QCOMPARE(slider->mapToScene(QPointF(0, 0)).x(), 20.0);
         keepScreenshot(f.shot(), QStringLiteral("settings-general"));
-        f.openTab(3);
+        f.openTab(4);
         QVERIFY(f.shown("settingsAbout"));
         keepScreenshot(f.shot(), QStringLiteral("settings-about"));
     }
@@ -67,6 +76,8 @@ private slots:
         QVERIFY(!f.shown("oscStatus")); // only while listening is on
         QCOMPARE(f.text("oscListenSwitch"), QStringLiteral("Recevoir des commandes OSC (QLab, Companion…)"));
         QCOMPARE(f.text("oscSendSwitch"), QStringLiteral("Émettre l'état en OSC"));
+        QCOMPARE(f.at("oscStateChangesSwitch")->property("checked").toBool(), false);
+        QCOMPARE(f.text("oscStateChangesSwitch"), QStringLiteral("Émettre aussi chaque changement d'état"));
         QCOMPARE(f.text("applyOsc"), QStringLiteral("Appliquer la configuration OSC"));
         QStringList help;
         for (QQuickItem *line : f.at("oscHelp")->childItems())
@@ -75,9 +86,10 @@ private slots:
         QCOMPARE(help, (QStringList{
                            "Adresses : /kairon/play · /pause · /stop · /next · /prev · /reset",
                            "/kairon/blackout · /kairon/blink · /kairon/message <s> · /kairon/adjust <±s>",
-                           "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>"}));
+                           "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>",
+                           "À chaque changement : /kairon/state <iiisiii> · /kairon/message <si>"}));
         // Showing them stores nothing.
-        QVERIFY(QSettings().allKeys().isEmpty());
+        QCOMPARE(keysStored(), QStringList{});
         keepScreenshot(f.shot(), QStringLiteral("settings-osc-fresh"));
     }
 
@@ -192,6 +204,51 @@ private slots:
         QCOMPARE(f.at("oscStatusIcon")->property("symbol").toString(), QStringLiteral("checkmark.circle.fill"));
     }
 
+    // Stored at once, in force when applied, like the rest of the tab; a real peer then gets the
+    // current state, then each change.
+    void theStateChangesSwitchTakesEffectWhenApplied()
+    {
+        QUdpSocket peer;
+        QVERIFY(peer.bind(QHostAddress::LocalHost, 0));
+        SettingsFixture f;
+        f.engine.loadSession(showOf({durationCue("Intro", 600)}));
+        f.network.attach(&f.engine);
+        f.openTab(1);
+        f.click("oscSendSwitch");
+        f.type("oscSendPort", QString::number(peer.localPort()));
+        f.click("oscStateChangesSwitch");
+        QCOMPARE(stored("oscSendStateChanges").toBool(), true);
+        QVERIFY(!f.network.sendsStateChanges());
+        f.settle("oscStateChangesSwitch");
+        keepScreenshot(f.shot(), QStringLiteral("settings-osc-state-changes"));
+        f.click("applyOsc");
+        QVERIFY(f.network.sendsStateChanges());
+        f.engine.start();
+        const auto stateMessages = [&] {
+            QList<QByteArray> found;
+            while (peer.hasPendingDatagrams()) {
+                QByteArray datagram(peer.pendingDatagramSize(), Qt::Uninitialized);
+                peer.readDatagram(datagram.data(), datagram.size());
+                if (datagram.startsWith("/kairon/state"))
+                    found << datagram;
+            }
+            return found;
+        };
+        QList<QByteArray> received;
+        QTRY_VERIFY((received << stateMessages()).size() >= 2);
+        QCOMPARE(received[0], OSCCodec::encode(QStringLiteral("/kairon/state"),
+                                               {qint32(0), qint32(0), qint32(0), QString(), qint32(0),
+                                                qint32(0), qint32(0)}));
+        QCOMPARE(received[1], OSCCodec::encode(QStringLiteral("/kairon/state"),
+                                               {qint32(1), qint32(0), qint32(1), QStringLiteral("Intro"),
+                                                qint32(0), qint32(0), qint32(0)}));
+        // Off, stored and applied: no more.
+        f.click("oscStateChangesSwitch");
+        QCOMPARE(stored("oscSendStateChanges").toBool(), false);
+        f.click("applyOsc");
+        QVERIFY(!f.network.sendsStateChanges());
+    }
+
     void theAlertSoundsSwitchIsTheEngines()
     {
         SettingsFixture f;
@@ -202,7 +259,7 @@ private slots:
         QVERIFY(!f.engine.soundsEnabled());
         f.engine.setSoundsEnabled(true);
         QVERIFY(sounds->property("checked").toBool());
-        QVERIFY(QSettings().allKeys().isEmpty()); // not a stored preference
+        QCOMPARE(keysStored(), QStringList{}); // not a stored preference
     }
 
     void theSplashSliderStaysWithin1And10WholeSeconds()
@@ -291,7 +348,7 @@ private slots:
         TimerSession show = showOf({durationCue("Intro", 600)});
         show.name = QStringLiteral("Gala");
         f.engine.loadSession(show);
-        f.openTab(2);
+        f.openTab(3);
         QCOMPARE(f.text("sessionNameField"), QString()); // starts empty
         f.click("renameSession");
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Gala"));
@@ -306,7 +363,7 @@ private slots:
     {
         SettingsFixture f;
         f.engine.loadSession(showOf({durationCue("Intro", 600)}));
-        f.openTab(2);
+        f.openTab(3);
         QVERIFY(!f.shown("saveResult"));
         f.click("saveProject");
         const QString file = QDir(f.store.folder()).filePath(UuidText::canonical(f.engine.session().id) + ".orvprjct");

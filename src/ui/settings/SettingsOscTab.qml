@@ -2,8 +2,9 @@ import QtQuick
 import QtQuick.Layouts
 import Kairon
 
-// "OSC": receiving commands and sending the state, applied together by one button, with the
-// listener's status and the addresses understood and sent.
+// "OSC": receiving commands and sending the state (each second, and on request at each change
+// of state), applied together by one button, with the listener's status and the addresses
+// understood and sent.
 SettingsPage {
     id: tab
 
@@ -54,6 +55,12 @@ SettingsPage {
                 onPortEdited: port => tab.settings.oscSendPort = port
             }
         }
+        SheetSwitch {
+            objectName: "oscStateChangesSwitch"
+            text: "Émettre aussi chaque changement d'état"
+            checked: tab.settings.oscSendStateChanges
+            onToggled: tab.settings.oscSendStateChanges = checked
+        }
     }
 
     AccentButtonStyle {
@@ -63,27 +70,11 @@ SettingsPage {
         onClicked: tab.settings.applyOSCSettings()
     }
 
-    Row {
+    SettingsStatusLine {
         objectName: "oscStatus"
         visible: tab.settings.oscListenEnabled
-        spacing: 8
-        Icon {
-            objectName: "oscStatusIcon"
-            anchors.verticalCenter: parent.verticalCenter
-            symbol: tab.settings.oscStatusOk ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
-            size: 18
-            color: tab.settings.oscStatusOk ? AppTheme.success : AppTheme.stateWarning
-        }
-        Text {
-            objectName: "oscStatusText"
-            anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, tab.width - 2 * tab.margin - 26)
-            text: tab.settings.oscStatusText
-            color: tab.settings.oscStatusOk ? AppTheme.textPrimary : AppTheme.stateWarning
-            font.family: AppTheme.textFont
-            font.pixelSize: 12
-            wrapMode: Text.WordWrap
-        }
+        ok: tab.settings.oscStatusOk
+        text: tab.settings.oscStatusText
     }
 
     Column {
@@ -93,7 +84,8 @@ SettingsPage {
         Repeater {
             model: ["Adresses : /kairon/play · /pause · /stop · /next · /prev · /reset",
                     "/kairon/blackout · /kairon/blink · /kairon/message <s> · /kairon/adjust <±s>",
-                    "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>"]
+                    "Émis : /kairon/remaining <f> · /kairon/running <i> · /kairon/cue <s>",
+                    "À chaque changement : /kairon/state <iiisiii> · /kairon/message <si>"]
             delegate: SettingsNote {
                 required property string modelData
                 text: modelData

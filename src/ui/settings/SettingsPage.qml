@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// One tab's content, 20 from every edge, scrolled when it is taller than the window.
+// One tab's content, 20 from every edge, scrolled when it is taller than the window, by whole
+// pixels so that text and QR codes stay sharp.
 Flickable {
     id: page
 
@@ -13,6 +14,7 @@ Flickable {
     contentWidth: width
     contentHeight: column.implicitHeight + 2 * margin
     boundsBehavior: Flickable.StopAtBounds
+    pixelAligned: true
     ScrollBar.vertical: ScrollBar { policy: page.contentHeight > page.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
 
     Column {

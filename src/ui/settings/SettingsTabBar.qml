@@ -2,13 +2,14 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// The settings' four tabs, each an icon over its label; the current one in the accent.
+// The settings' five tabs, each an icon over its label; the current one in the accent.
 TabBar {
     id: bar
 
     readonly property var entries: [
         { label: "Général", symbol: "gearshape" },
         { label: "OSC", symbol: "network" },
+        { label: "Web", symbol: "globe" },
         { label: "Session", symbol: "folder" },
         { label: "À propos", symbol: "info.circle" }
     ]

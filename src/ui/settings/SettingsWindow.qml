@@ -4,8 +4,8 @@ import QtQuick.Layouts
 import QtQuick.Window
 import Kairon
 
-// The settings: a window of a fixed 520 × 460 with four tabs, "Général", "OSC", "Session" and
-// "À propos". Everything it shows comes from the settings controller and the engine.
+// The settings: a window of a fixed 520 × 460 with five tabs, "Général", "OSC", "Web", "Session"
+// and "À propos". Everything it shows comes from the settings controller and the engine.
 Window {
     id: window
 
@@ -47,6 +47,10 @@ Window {
             SettingsOscTab {
                 objectName: "oscTab"
                 settings: window.settings
+            }
+            SettingsWebTab {
+                objectName: "webTab"
+                web: window.settings.web
             }
             SettingsSessionTab {
                 objectName: "sessionTab"

@@ -12,8 +12,8 @@
 #include <cmath>
 
 SettingsController::SettingsController(TimerEngine &engine, NetworkCoordinator &network,
-                                       SessionStore &store, QObject *parent)
-    : QObject(parent), m_engine(engine), m_network(network), m_store(store)
+                                       WebServer &web, SessionStore &store, QObject *parent)
+    : QObject(parent), m_engine(engine), m_network(network), m_store(store), m_web(web, this)
 {
     connect(&m_network, &NetworkCoordinator::oscStatusChanged, this,
             &SettingsController::oscStatusChanged);
@@ -26,6 +26,7 @@ int SettingsController::oscListenPort() const { return Preferences::oscListenPor
 bool SettingsController::oscSendEnabled() const { return Preferences::oscSendEnabled(); }
 QString SettingsController::oscSendHost() const { return Preferences::oscSendHost(); }
 int SettingsController::oscSendPort() const { return Preferences::oscSendPort(); }
+bool SettingsController::oscSendStateChanges() const { return Preferences::oscSendStateChanges(); }
 
 int SettingsController::splashSeconds() const
 {
@@ -64,6 +65,12 @@ void SettingsController::setOscSendPort(int port)
 {
     if (isPort(port))
         Preferences::setOscSendPort(port);
+    emit oscPreferencesChanged();
+}
+
+void SettingsController::setOscSendStateChanges(bool on)
+{
+    Preferences::setOscSendStateChanges(on);
     emit oscPreferencesChanged();
 }
 
@@ -124,6 +131,7 @@ void SettingsController::windowShown()
 {
     refreshAlertOutputs();
     m_deviceWatcher.startListeningForChanges();
+    m_web.refreshInterfaces();
 }
 
 void SettingsController::applyOSCSettings() { m_network.applyOSCSettings(); }

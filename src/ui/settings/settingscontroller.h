@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audiodevicewatcher.h"
+#include "websettingscontroller.h"
 
 #include <QObject>
 #include <QQmlEngine>
@@ -9,11 +10,13 @@
 class NetworkCoordinator;
 class SessionStore;
 class TimerEngine;
+class WebServer;
 
 // What the settings window reads and changes: the stored preferences (shown with their
 // documented defaults while never stored, written as soon as they are changed), the machine's
 // audio outputs for the alerts, the OSC listener's status, and two quick project actions on the
 // open show. Editing the OSC fields changes nothing on the network until applyOSCSettings().
+// The web server's settings have a controller of their own, `web`.
 class SettingsController : public QObject
 {
     Q_OBJECT
@@ -29,6 +32,8 @@ class SettingsController : public QObject
     Q_PROPERTY(QString oscSendHost READ oscSendHost WRITE setOscSendHost
                    NOTIFY oscPreferencesChanged FINAL)
     Q_PROPERTY(int oscSendPort READ oscSendPort WRITE setOscSendPort
+                   NOTIFY oscPreferencesChanged FINAL)
+    Q_PROPERTY(bool oscSendStateChanges READ oscSendStateChanges WRITE setOscSendStateChanges
                    NOTIFY oscPreferencesChanged FINAL)
     // Whole seconds, 1 to 10.
     Q_PROPERTY(int splashSeconds READ splashSeconds WRITE setSplashSeconds
@@ -50,9 +55,12 @@ class SettingsController : public QObject
                    NOTIFY sessionNameChanged FINAL)
     Q_PROPERTY(QString saveResult READ saveResult NOTIFY saveResultChanged FINAL)
 
+    // The "Web" tab.
+    Q_PROPERTY(WebSettingsController *web READ web CONSTANT FINAL)
+
 public:
-    SettingsController(TimerEngine &engine, NetworkCoordinator &network, SessionStore &store,
-                       QObject *parent = nullptr);
+    SettingsController(TimerEngine &engine, NetworkCoordinator &network, WebServer &web,
+                       SessionStore &store, QObject *parent = nullptr);
 
     static constexpr int lowestPort = 1;
     static constexpr int highestPort = 65535;
@@ -62,12 +70,14 @@ public:
     bool oscSendEnabled() const;
     QString oscSendHost() const;
     int oscSendPort() const;
+    bool oscSendStateChanges() const;
     int splashSeconds() const;
     void setOscListenEnabled(bool on);
     void setOscListenPort(int port); // a port outside 1–65535 is not stored
     void setOscSendEnabled(bool on);
     void setOscSendHost(const QString &host);
     void setOscSendPort(int port);
+    void setOscSendStateChanges(bool on);
     void setSplashSeconds(int seconds); // held within 1–10
 
     QVariantList alertOutputs() const { return m_alertOutputs; }
@@ -81,9 +91,10 @@ public:
     QString sessionName() const { return m_sessionName; }
     void setSessionName(const QString &name);
     QString saveResult() const { return m_saveResult; }
+    WebSettingsController *web() { return &m_web; }
 
-    // The window calls it each time it shows: the outputs are read afresh and, the first time,
-    // their changes are followed from then on.
+    // The window calls it each time it shows: the outputs and the network interfaces are read
+    // afresh and, the first time, the outputs' changes are followed from then on.
     Q_INVOKABLE void windowShown();
     // Reads the stored OSC preferences afresh and (re)configures the network with them.
     Q_INVOKABLE void applyOSCSettings();
@@ -109,6 +120,7 @@ private:
     NetworkCoordinator &m_network;
     SessionStore &m_store;
     AudioDeviceWatcher m_deviceWatcher;
+    WebSettingsController m_web;
     QVariantList m_alertOutputs;
     QString m_sessionName;
     QString m_saveResult;

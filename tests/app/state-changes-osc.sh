@@ -1,0 +1,103 @@
+#!/usr/bin/env bash
+# The real program, driven by oscsend and heard by oscdump: with "Émettre aussi chaque
+# changement d'état" stored on, a pause and a stop each send /kairon/state with the transport's
+# flags, the cue's number and name and the show controls' flags; stored off, the same commands
+# send nothing of the kind, while the per-second messages go on as before.
+# Usage: state-changes-osc.sh KAIRON_BINARY
+set -euo pipefail
+kairon=$1
+dir=$(mktemp -d)
+pids=()
+cleanup() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$dir"
+}
+trap cleanup EXIT
+
+free_udp_port() { "$(dirname "$0")/../support/free-udp-port"; }
+fail() {
+    echo "FAIL: $*"
+    echo "--- received:"
+    cat "$run/received"
+    exit 1
+}
+# Waits up to 5 s for a line of what oscdump printed that matches the pattern (grep -E).
+wait_for() {
+    for _ in $(seq 250); do
+        grep -qE "$1" "$run/received" && return 0
+        sleep 0.02
+    done
+    return 1
+}
+# A program of its own, with the switch stored as $1 (true or false).
+start() {
+    run=$dir/$1
+    listen=$(free_udp_port)
+    send=$(free_udp_port)
+    mkdir -p "$run/home/.config/Kairon" "$run/runtime"
+    chmod 700 "$run/runtime"
+    cat > "$run/home/.config/Kairon/Kairon.conf" <<CONF
+[General]
+oscListenEnabled=true
+oscListenPort=$listen
+oscSendEnabled=true
+oscSendHost=127.0.0.1
+oscSendPort=$send
+oscSendStateChanges=$1
+splashDuration=1
+CONF
+    cat > "$run/show.orvprjct" <<'JSON'
+{"name": "Soirée", "cues": [{"name": "Ouverture", "duration": 600}, {"name": "Débat", "duration": 900}]}
+JSON
+    oscdump -L "$send" > "$run/received" 2>&1 &
+    pids+=($!)
+    HOME=$run/home XDG_CONFIG_HOME=$run/home/.config XDG_CACHE_HOME=$run/home/.cache \
+        XDG_RUNTIME_DIR=$run/runtime QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software \
+        KAIRON_STARTUP_TRACE=1 "$kairon" "$run/show.orvprjct" 2> "$run/trace" &
+    pids+=($!)
+    for _ in $(seq 250); do
+        grep -q "kairon-startup osc-listening" "$run/trace" && break
+        sleep 0.02
+    done
+    grep -q "kairon-startup osc-listening" "$run/trace" || { cat "$run/trace"; echo "FAIL: never listened"; exit 1; }
+}
+command() { oscsend 127.0.0.1 "$listen" "$@"; }
+
+# ---- Stored on ----------------------------------------------------------------------------
+start true
+# Applied at launch: the state as it stands goes out once, nothing running, no cue, no message.
+wait_for '/kairon/state iiisiii 0 0 0 "" 0 0 0$' || fail "no state at launch"
+wait_for '/kairon/message si "" 0$' || fail "no message at launch"
+command /kairon/play
+wait_for '/kairon/state iiisiii 1 0 1 "Ouverture" 0 0 0$' || fail "no state after play"
+command /kairon/pause
+wait_for '/kairon/state iiisiii 1 1 1 "Ouverture" 0 0 0$' || fail "no state after pause"
+command /kairon/stop
+wait_for '/kairon/state iiisiii 0 0 1 "Ouverture" 0 0 0$' || fail "no state after stop"
+command /kairon/blackout
+wait_for '/kairon/state iiisiii 0 0 1 "Ouverture" 1 0 0$' || fail "no state after blackout"
+command /kairon/message s "Merci de conclure"
+wait_for '/kairon/message si "Merci de conclure" 0$' || fail "no message on air"
+# One message per change, in order, and the per-second messages as they were.
+states=$(grep -c '/kairon/state ' "$run/received")
+((states == 5)) || fail "$states state messages instead of 5"
+grep -q '/kairon/running i 1$' "$run/received" || fail "the per-second messages are gone"
+grep -q '/kairon/cue s "Ouverture"$' "$run/received" || fail "the per-second messages are gone"
+echo "switch on: a state at launch, then one per change (play, pause, stop, blackout) and the message"
+
+# ---- Stored off ---------------------------------------------------------------------------
+start false
+command /kairon/play
+wait_for '/kairon/running i 1$' || fail "the per-second messages are gone"
+command /kairon/pause
+command /kairon/stop
+command /kairon/blackout
+command /kairon/message s "Merci de conclure"
+# The commands are handled in order: once this one shows, all those before it were handled.
+command /kairon/adjust i -60
+wait_for '/kairon/remaining f 5[34][0-9]' || fail "the adjust never showed"
+if grep -qE '/kairon/(state|message) ' "$run/received"; then
+    fail "changes of state were sent with the switch off"
+fi
+echo "switch off: no /kairon/state nor /kairon/message"
