@@ -163,7 +163,7 @@ private slots:
         f.openTab(webTab);
         QCOMPARE(f.text("settingsTab2"), QStringLiteral("Web"));
         QCOMPARE(f.at("webSwitch")->property("checked").toBool(), false);
-        QCOMPARE(f.text("webSwitch"), QStringLiteral("Activer le serveur web (écrans et télécommande dans un navigateur)"));
+        QCOMPARE(f.text("webSwitch"), QStringLiteral("Activer le serveur web (écrans dans un navigateur, pilotage par l'API web)"));
         QCOMPARE(f.text("webPort"), QStringLiteral("8080"));
         QCOMPARE(f.at("webInterfaceMenu")->property("displayText").toString(), QStringLiteral("Toutes les interfaces"));
         QCOMPARE(f.text("applyWeb"), QStringLiteral("Appliquer la configuration web"));
@@ -395,7 +395,7 @@ private slots:
         QTRY_COMPARE(f.web.serverPort(), port);
         const QString base = QStringLiteral("http://127.0.0.1:%1").arg(port);
         const QStringList urls{base + "/stage", base + "/confidence", base + "/"};
-        const QStringList titles{"Stage", "Confidence", "Télécommande"};
+        const QStringList titles{"Stage", "Confidence", "Accueil"};
         QVERIFY(!f.at("webPage1_0")); // bound to one address: that one only
         const qreal ratio = f.settingsWindow->effectiveDevicePixelRatio();
         QQuickItem *page = f.at("webTab");

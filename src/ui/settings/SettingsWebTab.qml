@@ -15,7 +15,7 @@ SettingsPage {
     SettingsGroup {
         SheetSwitch {
             objectName: "webSwitch"
-            text: "Activer le serveur web (écrans et télécommande dans un navigateur)"
+            text: "Activer le serveur web (écrans dans un navigateur, pilotage par l'API web)"
             checked: tab.web.webEnabled
             onToggled: tab.web.webEnabled = checked
         }
@@ -47,8 +47,8 @@ SettingsPage {
 
     SettingsGroup {
         title: "Code d'accès"
-        note: "À saisir sur la page Télécommande pour piloter le show ; les pages Stage et "
-              + "Confidence s'ouvrent sans code. Un nouveau code remplace l'ancien aussitôt."
+        note: "À donner au logiciel de régie qui pilote le show par l'API web ; les pages "
+              + "s'ouvrent sans code. Un nouveau code remplace l'ancien aussitôt."
         Row {
             spacing: 12
             AccessCodeField {

@@ -10,8 +10,8 @@ QList<Page> pages()
     return {{QStringLiteral("/stage"), QStringLiteral("Stage"), QStringLiteral("Écran de l'intervenant")},
             {QStringLiteral("/confidence"), QStringLiteral("Confidence"),
              QStringLiteral("Écran de retour : cue en cours, suivant, intervenant")},
-            {QStringLiteral("/"), QStringLiteral("Télécommande"),
-             QStringLiteral("Piloter le show (code d'accès)")}};
+            {QStringLiteral("/"), QStringLiteral("Accueil"),
+             QStringLiteral("Le nom du show et les liens vers les deux écrans")}};
 }
 
 QList<InterfaceAddress> machineAddresses()
