@@ -24,7 +24,7 @@ struct Page {
 };
 
 // The three pages, in the order they are listed: the stage display, the confidence display,
-// the remote control.
+// the index that links to both.
 QList<Page> pages();
 
 // Every IPv4 address of the interfaces that are up, in the system's order.
