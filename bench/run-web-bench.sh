@@ -4,9 +4,7 @@
 # Usage: bench/run-web-bench.sh [SECONDS]   (the 100-viewer phase lasts SECONDS, default 30)
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
-dir=$(mktemp -d)
-pid=
-trap '[[ -n $pid ]] && kill $pid 2>/dev/null; wait 2>/dev/null; rm -rf "$dir"' EXIT
+source "$here/tests/support/scratch.sh"
 
 code=B3NCH2K7
 source "$here/tests/support/web-sandbox.sh"
@@ -14,7 +12,7 @@ web_sandbox "$dir" "$code"
 echo '{"name": "Banc", "cues": [{"name": "Longue", "duration": 3600}]}' > "$dir/show.orvprjct"
 
 KAIRON_STARTUP_TRACE=1 "$here/build/src/app/kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
-pid=$!
+pids+=($!)
 wait_for_web "$dir/trace"
 sleep 2 # the splash gone, the operator window settled
-/usr/bin/python3 "$here/bench/web-bench.py" "$port" "$code" "$pid" "${1:-30}"
+/usr/bin/python3 "$here/bench/web-bench.py" "$port" "$code" "${pids[0]}" "${1:-30}"

@@ -6,16 +6,7 @@
 # Usage: state-changes-osc.sh KAIRON_BINARY
 set -euo pipefail
 kairon=$1
-dir=$(mktemp -d)
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$dir"
-}
-trap cleanup EXIT
-
-free_udp_port() { "$(dirname "$0")/../support/free-udp-port"; }
+source "$(dirname "$0")/../support/scratch.sh"
 fail() {
     echo "FAIL: $*"
     echo "--- received:"

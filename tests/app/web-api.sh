@@ -6,14 +6,7 @@
 set -euo pipefail
 kairon=$1
 here=$(cd "$(dirname "$0")" && pwd)
-dir=$(mktemp -d)
-pid=
-cleanup() {
-    [[ -n $pid ]] && kill "$pid" 2>/dev/null || true
-    wait 2>/dev/null || true
-    rm -rf "$dir"
-}
-trap cleanup EXIT
+source "$here/../support/scratch.sh"
 
 code=K7M2P9QX
 source "$here/../support/web-sandbox.sh"
@@ -24,7 +17,7 @@ cat > "$dir/show.orvprjct" <<'JSON'
 JSON
 
 KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
-pid=$!
+pids+=($!)
 wait_for_web "$dir/trace"
 
 base=http://127.0.0.1:$port

@@ -3,6 +3,7 @@
 #include "preferences.h"
 #include "qttranslations.h"
 #include "settingssandbox.h"
+#include "udpports.h"
 
 #include <QProcess>
 #include <QSignalSpy>
@@ -34,7 +35,7 @@ public:
         m_process.start(QStringLiteral("oscdump"), {QStringLiteral("-L"), QString::number(sendPort)});
         m_process.waitForStarted();
         // Ready once its port is taken.
-        QTest::qWaitFor([] { return !QUdpSocket().bind(QHostAddress::LocalHost, sendPort, QAbstractSocket::DontShareAddress); }, 5000);
+        QTest::qWaitFor([] { return udpPortBound(sendPort); }, 5000);
     }
     ~Oscdump()
     {
@@ -205,7 +206,7 @@ private slots:
         QProcess other; // oscdump takes the listening port of a second coordinator
         other.start(QStringLiteral("oscdump"), {QString::number(listenPort + 10)});
         QVERIFY(other.waitForStarted());
-        QTest::qWaitFor([] { return !QUdpSocket().bind(QHostAddress::Any, listenPort + 10, QAbstractSocket::DontShareAddress); }, 5000);
+        QTest::qWaitFor([] { return udpPortBound(listenPort + 10); }, 5000);
         Preferences::setOscListenPort(listenPort + 10);
         QSignalSpy status(m_coordinator.get(), &NetworkCoordinator::oscStatusChanged);
         m_coordinator->applyOSCSettings();

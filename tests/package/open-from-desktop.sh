@@ -13,17 +13,7 @@
 set -euo pipefail
 project=$1
 out=$2
-dir=$(mktemp -d)
-pids=()
-cleanup() {
-    local pid
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$dir"
-}
-trap cleanup EXIT
-
-free_udp_port() { "$(dirname "$0")/../support/free-udp-port"; }
+source "$(dirname "$0")/../support/scratch.sh"
 listen=$(free_udp_port)
 send=$(free_udp_port)
 

@@ -57,6 +57,26 @@ struct SettingsFixture : SettingsSandbox, AppFixture { // the store is fresh bef
         for (const QChar c : text)
             QTest::keyClick(settingsWindow, c.toLatin1());
     }
+    // Opens a menu with a click and chooses its entry at that index with another, as a person
+    // would: the list is scrolled to the entry first, then the entry itself is clicked.
+    void chooseEntry(const char *menu, int index)
+    {
+        QVERIFY2(index >= 0, menu);
+        click(menu);
+        auto *popup = at(menu)->property("popup").value<QObject *>();
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QQuickItem *list = popup->property("contentItem").value<QQuickItem *>();
+        QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, index), Q_ARG(int, 0));
+        const auto entryAt = [&]() -> QQuickItem * {
+            for (QQuickItem *e : list->property("contentItem").value<QQuickItem *>()->childItems())
+                if (e->property("index") == QVariant(index) && e->isVisible())
+                    return e;
+            return nullptr;
+        };
+        QTRY_VERIFY(entryAt());
+        QTest::mouseClick(settingsWindow, Qt::LeftButton, {}, centre(entryAt()));
+        QTRY_VERIFY(!popup->property("visible").toBool());
+    }
     // Waits for a switch's knob to end its slide, so that a picture shows it where it rests.
     void settle(const char *name) const
     {

@@ -2,6 +2,7 @@
 #include "pixels.h"
 #include "settingsfixture.h"
 #include "osccodec.h"
+#include "udpports.h"
 #include "uuidtext.h"
 
 #include <QDir>
@@ -22,11 +23,7 @@ class TestSettings : public QObject
         probe.bind(QHostAddress::LocalHost, 0);
         return probe.localPort();
     }
-    static bool portIsFree(quint16 port)
-    {
-        QUdpSocket probe;
-        return probe.bind(QHostAddress::Any, port, QAbstractSocket::DontShareAddress);
-    }
+    static bool portIsFree(quint16 port) { return !udpPortBound(port); }
     static QVariant stored(const char *key) { return QSettings().value(QLatin1StringView(key)); }
     // The keys stored, but the web access code: made and stored the first time anything reads
     // it (at launch, the web server), so that the window and the server always agree on it.

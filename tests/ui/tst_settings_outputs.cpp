@@ -26,25 +26,11 @@ class TestSettingsOutputs : public QObject
     // Opens the menu with a click and chooses the entry of that name with another.
     static void choose(SettingsFixture &f, const QString &name)
     {
-        f.click("alertOutputMenu");
-        QQuickItem *menu = f.at("alertOutputMenu");
-        auto *popup = menu->property("popup").value<QObject *>();
-        QTRY_VERIFY(popup->property("opened").toBool());
-        const int index = f.settings.alertOutputs().indexOf(
-            *std::find_if(f.settings.alertOutputs().cbegin(), f.settings.alertOutputs().cend(),
-                          [&](const QVariant &e) { return e.toMap().value("name") == name; }));
-        QQuickItem *list = popup->property("contentItem").value<QQuickItem *>();
-        QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, index), Q_ARG(int, 0));
-        const auto entryAt = [&]() -> QQuickItem * {
-            for (QQuickItem *e : list->property("contentItem").value<QQuickItem *>()->childItems())
-                if (e->property("index") == QVariant(index) && e->isVisible())
-                    return e;
-            return nullptr;
-        };
-        QTRY_VERIFY(entryAt());
-        QQuickItem *entry = entryAt();
-        QTest::mouseClick(f.settingsWindow, Qt::LeftButton, {}, f.centre(entry));
-        QTRY_VERIFY(!popup->property("visible").toBool());
+        const QVariantList outputs = f.settings.alertOutputs();
+        const auto output = std::find_if(outputs.cbegin(), outputs.cend(), [&](const QVariant &e) {
+            return e.toMap().value("name") == name;
+        });
+        f.chooseEntry("alertOutputMenu", output == outputs.cend() ? -1 : int(output - outputs.cbegin()));
     }
 
 private slots:

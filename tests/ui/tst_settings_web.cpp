@@ -132,20 +132,7 @@ class TestSettingsWeb : public QObject
     {
         const int index = interfaceEntry(f, address);
         QVERIFY2(index >= 0, qPrintable(address));
-        f.click("webInterfaceMenu");
-        auto *popup = f.at("webInterfaceMenu")->property("popup").value<QObject *>();
-        QTRY_VERIFY(popup->property("opened").toBool());
-        QQuickItem *list = popup->property("contentItem").value<QQuickItem *>();
-        QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, index), Q_ARG(int, 0));
-        const auto entryAt = [&]() -> QQuickItem * {
-            for (QQuickItem *e : list->property("contentItem").value<QQuickItem *>()->childItems())
-                if (e->property("index") == QVariant(index) && e->isVisible())
-                    return e;
-            return nullptr;
-        };
-        QTRY_VERIFY(entryAt());
-        QTest::mouseClick(f.settingsWindow, Qt::LeftButton, {}, f.centre(entryAt()));
-        QTRY_VERIFY(!popup->property("visible").toBool());
+        f.chooseEntry("webInterfaceMenu", index);
     }
 
 private slots:

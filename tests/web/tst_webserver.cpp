@@ -46,6 +46,20 @@ struct ServingFixture {
     WebServer server{f.engine, f.clock};
 };
 
+// A WebSocket viewer of /api/ws on 127.0.0.1 that keeps every JSON message it receives.
+struct RecordingViewer {
+    explicit RecordingViewer(quint16 port)
+    {
+        QObject::connect(&socket, &QWebSocket::textMessageReceived, [this](const QString &text) {
+            received << QJsonDocument::fromJson(text.toUtf8()).object();
+        });
+        socket.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/api/ws").arg(port)));
+    }
+    void sendTextMessage(const QString &text) { socket.sendTextMessage(text); }
+    QWebSocket socket;
+    QList<QJsonObject> received;
+};
+
 } // namespace
 
 class TestWebServer : public QObject
@@ -300,12 +314,8 @@ private slots:
     {
         ServingFixture serving;
         auto &[f, server] = serving;
-        QWebSocket viewer;
-        QList<QJsonObject> received;
-        connect(&viewer, &QWebSocket::textMessageReceived, this, [&](const QString &text) {
-            received << QJsonDocument::fromJson(text.toUtf8()).object();
-        });
-        viewer.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/api/ws").arg(server.serverPort())));
+        RecordingViewer viewer(server.serverPort());
+        const QList<QJsonObject> &received = viewer.received;
         QTRY_COMPARE(received.size(), 1);
         viewer.sendTextMessage(QStringLiteral(R"({"command":"ping","t":1234.5})"));
         QTRY_COMPARE(received.size(), 2);
@@ -414,12 +424,8 @@ private slots:
     {
         ServingFixture serving;
         auto &[f, server] = serving;
-        QWebSocket viewer;
-        QList<QJsonObject> received;
-        connect(&viewer, &QWebSocket::textMessageReceived, this, [&](const QString &text) {
-            received << QJsonDocument::fromJson(text.toUtf8()).object();
-        });
-        viewer.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/api/ws").arg(server.serverPort())));
+        RecordingViewer viewer(server.serverPort());
+        const QList<QJsonObject> &received = viewer.received;
         QTRY_COMPARE(received.size(), 1); // the state on connection
         QTRY_COMPARE(server.viewerCount(), 1);
 
