@@ -196,11 +196,11 @@ async def until(page, expression, what, timeout=5):
 
 
 async def shoot(pages, name):
-    """Each page at a phone's size and at 1080p, then back at the test's size."""
+    """Each page at a phone's size and at the operators' screen sizes, then back at the test's size."""
     if not shots:
         return
     os.makedirs(shots, exist_ok=True)
-    for width, height in [(390, 844), (1920, 1080)]:
+    for width, height in [(390, 844), (1150, 750), (1920, 1080), (3840, 2160)]:
         for page_name, page in pages.items():
             await page.set_viewport(width, height)
             await page.evaluate("new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))")
