@@ -1,5 +1,6 @@
 #include "theme.h"
 #include "pixels.h"
+#include "qttranslations.h"
 #include "settingsfixture.h"
 #include "osccodec.h"
 #include "udpports.h"
@@ -35,6 +36,7 @@ class TestSettings : public QObject
     }
 
 private slots:
+    void initTestCase() { installQtTranslations(*QCoreApplication::instance()); } // as the program
     void theWindowHasItsSizeAndItsFiveTabsInOrder()
     {
         SettingsFixture f;

@@ -2,6 +2,7 @@
 #include "pixels.h"
 #include "preferences.h"
 #include "qrcodeitem.h"
+#include "qttranslations.h"
 #include "settingsfixture.h"
 #include "webaddresses.h"
 #include "enginefixture.h"
@@ -138,6 +139,7 @@ class TestSettingsWeb : public QObject
 private slots:
     void initTestCase()
     {
+        installQtTranslations(*QCoreApplication::instance()); // as the program: Qt's errors in French
         // On a 3840 × 2160 screen at twice the scale, or on a 1920 × 1080 one.
         QVERIFY(QGuiApplication::primaryScreen());
         qInfo() << "screen" << QGuiApplication::primaryScreen()->size()
