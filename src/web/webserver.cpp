@@ -124,6 +124,7 @@ void WebServer::stopServing()
         viewer->deleteLater();
     }
     m_viewers.clear();
+    m_lastPushedKey.clear();
     delete m_http; // owns the gate once bound
     m_http = nullptr;
 }
@@ -279,6 +280,10 @@ void WebServer::acceptViewers()
         connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
             m_viewers.removeOne(viewer);
             viewer->deleteLater();
+            // Nothing is pushed while no one watches, so what was pushed last no longer says
+            // what the next viewer has: it gets the state on connection, and every change after.
+            if (m_viewers.isEmpty())
+                m_lastPushedKey.clear();
         });
         // A new viewer gets the current state at once.
         viewer->sendTextMessage(QString::fromUtf8(

@@ -451,6 +451,29 @@ private slots:
         f.engine.tick();
         QTRY_COMPARE(pushed.size(), 3);
     }
+
+    // What was pushed while a viewer watched says nothing of what a later viewer has: a change
+    // back to it, made after that viewer came, still reaches it.
+    void aViewerWhoComesLaterSeesAChangeBackToWhatWasPushedBefore()
+    {
+        ServingFixture serving;
+        auto &[f, server] = serving;
+        {
+            RecordingViewer first(server.serverPort());
+            QTRY_COMPARE(server.viewerCount(), 1);
+            f.engine.setBlackout(true);
+            QTRY_COMPARE(first.received.size(), 2);
+            QCOMPARE(first.received.last().value(u"blackout").toBool(), true);
+        }
+        QTRY_COMPARE(server.viewerCount(), 0);
+        f.engine.setBlackout(false); // no one watches
+        RecordingViewer second(server.serverPort());
+        QTRY_COMPARE(second.received.size(), 1);
+        QCOMPARE(second.received.last().value(u"blackout").toBool(), false);
+        f.engine.setBlackout(true);
+        QTRY_COMPARE(second.received.size(), 2);
+        QCOMPARE(second.received.last().value(u"blackout").toBool(), true);
+    }
 };
 
 QTEST_MAIN(TestWebServer)
