@@ -86,8 +86,7 @@ void RequestGate::inspect(QTcpSocket *socket)
     socket->setProperty(handedOverProperty, true);
     if (headerValue(headers, "Upgrade").compare("websocket", Qt::CaseInsensitive) == 0)
         socket->setProperty(upgradedProperty, true);
-    if (auto *deadline = socket->findChild<QTimer *>())
-        deadline->stop();
+    stopDeadline(socket);
     addPendingConnection(socket);
     emit newConnection();
     // The request is already buffered: the server must be told it can read it.
@@ -97,10 +96,17 @@ void RequestGate::inspect(QTcpSocket *socket)
     }, Qt::QueuedConnection);
 }
 
+void RequestGate::stopDeadline(QTcpSocket *socket)
+{
+    if (auto *deadline = socket->findChild<QTimer *>())
+        deadline->stop();
+}
+
 void RequestGate::reject(QTcpSocket *socket, int status, const QByteArray &reason,
                          const QString &message)
 {
     socket->disconnect(this);
+    stopDeadline(socket); // one refusal only, even if the client never reads it
     socket->readAll();
     socket->write(errorResponse(status, reason, message));
     socket->disconnectFromHost();

@@ -25,6 +25,7 @@ protected:
 
 private:
     void inspect(QTcpSocket *socket);
+    static void stopDeadline(QTcpSocket *socket);
     void reject(QTcpSocket *socket, int status, const QByteArray &reason, const QString &message);
 
     int m_timeoutMs = 5000;
