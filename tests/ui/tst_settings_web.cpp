@@ -172,6 +172,8 @@ private slots:
         // Turned on but not applied: the line says how to start it.
         f.click("webSwitch");
         QCOMPARE(stored("webEnabled").toBool(), true);
+        QCOMPARE(stored("webPort").toInt(), 8080); // the port shown is the port applied
+        QCOMPARE(Preferences::storedWebSettings().port, 8080);
         QVERIFY(f.shown("webStatus"));
         QCOMPARE(f.text("webStatusText"),
                  QStringLiteral("Serveur web arrêté : « Appliquer la configuration web » le démarre"));

@@ -20,6 +20,10 @@ QString WebSettingsController::webInterface() const { return Preferences::webInt
 void WebSettingsController::setWebEnabled(bool on)
 {
     Preferences::setWebEnabled(on);
+    // The server serves only a stored port; the field shows 8080 before any is typed, and that
+    // is the port an operator who turns the server on expects it to serve.
+    if (on)
+        Preferences::setWebPort(Preferences::webPort());
     emit preferencesChanged();
     emit statusChanged(); // the status line shows while the switch is on
 }
