@@ -19,7 +19,8 @@ class RequestGate;
 class TimerEngine;
 
 // Binds remote control over HTTP and WebSocket to the engine: viewing the state is open,
-// every command needs the access code. Runs on the main thread; every handler returns at once.
+// every command needs the access code. Runs on the main thread; no handler waits on the network
+// (a font's file is read from the disk on its first request only).
 class WebServer : public QObject
 {
     Q_OBJECT

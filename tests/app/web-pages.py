@@ -234,7 +234,7 @@ async def digit_timing(app, stage, confidence, skewed):
     resumed = time.time() * 1000
     app.signal(signal.SIGCONT)
     silent = [c for c in await stage.evaluate("window.__time") if stopped < c[0] < resumed]
-    check(len({c[1] for c in silent}) >= 1, f"the digits changed while the program was stopped: {silent}")
+    check(len({c[1] for c in silent}) >= 1, f"the digits stood still while the program was stopped: {silent}")
     await stage.wait_for("new Set(window.__time.map(c => c[1])).size >= 7", 6, "seven seconds shown")
     s = state()
     deltas = []

@@ -18,7 +18,7 @@ Row {
     QrCode {
         id: code
         objectName: link.objectName + "Qr"
-        // Five pixels per module for an address of up to 53 characters (a symbol of 29 modules
+        // Five pixels per module for an address of up to 42 characters (a symbol of 29 modules
         // and its quiet zone); a longer one still gets a symbol over 150 pixels.
         width: 185
         height: 185
