@@ -8,15 +8,17 @@ qint64 delayUntilNextTickMs(double remaining)
 {
     if (!std::isfinite(remaining) || std::fabs(remaining) > 1e12)
         return periodMs;
-    // Seconds until the displayed whole second changes: at or above zero in [0, 1),
-    // below zero in (0, 1].
-    const double untilChange = remaining >= 0 ? remaining - std::floor(remaining)
-                                              : std::floor(-remaining) + 1 + remaining;
+    const double untilChange = secondsUntilDisplayedSecondChanges(remaining);
     // Rounded to the microsecond first, so that floating-point noise cannot add a millisecond.
     const qint64 micros = std::llround(untilChange * 1e6);
     const qint64 target = (micros + leadUs + 999) / 1000;
     const qint64 delay = target % periodMs;
     return delay == 0 ? periodMs : delay;
+}
+
+double secondsUntilDisplayedSecondChanges(double remaining)
+{
+    return remaining >= 0 ? remaining - std::floor(remaining) : std::floor(-remaining) + 1 + remaining;
 }
 
 qint64 displayedSecond(double remaining)

@@ -17,6 +17,10 @@ inline constexpr qint64 leadUs = 100;
 // landing exactly on the boundary would show the old second for a whole period).
 qint64 delayUntilNextTickMs(double remaining);
 
+// Seconds from now until a countdown showing `remaining` (finite) displays another whole
+// second: at or above zero in [0, 1), below zero in (0, 1].
+double secondsUntilDisplayedSecondChanges(double remaining);
+
 // Which whole second a countdown showing `remaining` displays, as the formatter rounds it
 // (down in magnitude, the sign kept: 0.4 and -0.4 are different seconds).
 qint64 displayedSecond(double remaining);

@@ -1,7 +1,7 @@
 #include "requestgate.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "weberror.h"
+
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -27,8 +27,7 @@ RequestGate::RequestGate(QObject *parent) : QTcpServer(parent) {}
 
 QByteArray RequestGate::errorResponse(int status, const QByteArray &reason, const QString &message)
 {
-    const QByteArray body =
-        QJsonDocument(QJsonObject{{QStringLiteral("error"), message}}).toJson(QJsonDocument::Compact);
+    const QByteArray body = webErrorBody(message);
     return "HTTP/1.1 " + QByteArray::number(status) + ' ' + reason
            + "\r\nContent-Type: application/json\r\nContent-Length: " + QByteArray::number(body.size())
            + "\r\nConnection: close\r\n\r\n" + body;

@@ -3,6 +3,7 @@
 #include "apptheme.h"
 #include "clock.h"
 #include "formatters.h"
+#include "tickphase.h"
 #include "timerengine.h"
 
 #include <QJsonArray>
@@ -190,17 +191,14 @@ qint64 msUntilShownSecondChanges(double remaining)
 {
     if (!std::isfinite(remaining))
         return 1000;
-    if (remaining >= 0)
-        return qint64(std::llround((remaining - std::floor(remaining)) * 1000.0));
-    const double magnitude = -remaining;
-    return qint64(std::llround((std::floor(magnitude) + 1.0 - magnitude) * 1000.0));
+    return qint64(std::llround(TickPhase::secondsUntilDisplayedSecondChanges(remaining) * 1000.0));
 }
 
 QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock)
 {
     const TimerStateSnapshot snapshot = engine.snapshot();
-    // Every time in the document is read at serverTimeMs, not at the engine's last tick (up to
-    // 100 ms before), so that a page can count on from it.
+    // The clock is read now, next to serverTimeMs (microseconds apart), not taken from the
+    // engine's last tick (up to 100 ms before), so that a page can count on from it.
     const TimerEngine::ClockReading live = engine.readClock();
     const qint64 nowMs = clock.now().toMSecsSinceEpoch();
     const double shown = snapshot.freeze ? snapshot.remaining : live.remaining;

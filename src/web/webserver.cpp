@@ -6,6 +6,7 @@
 #include "tickphase.h"
 #include "timerengine.h"
 #include "webcommand.h"
+#include "weberror.h"
 #include "webpages.h"
 
 #include <QHostAddress>
@@ -21,17 +22,12 @@
 namespace {
 QHttpServerResponse jsonError(QHttpServerResponse::StatusCode status, const QString &message)
 {
-    return QHttpServerResponse(QJsonObject{{QStringLiteral("error"), message}}, status);
+    return QHttpServerResponse(webErrorObject(message), status);
 }
 
-QJsonObject errorObject(const QString &message)
+void sendJson(QWebSocket *viewer, const QJsonObject &object)
 {
-    return QJsonObject{{QStringLiteral("error"), message}};
-}
-
-QByteArray errorBody(const QString &message)
-{
-    return QJsonDocument(errorObject(message)).toJson(QJsonDocument::Compact);
+    viewer->sendTextMessage(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
 }
 
 // What a viewer may leave unread before it is dropped: hundreds of pushes.
@@ -60,8 +56,6 @@ QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &
     response.setHeader("X-Content-Type-Options", "nosniff");
     return response;
 }
-
-const QString wrongCode = QStringLiteral("Code d'accès manquant ou incorrect");
 } // namespace
 
 WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
@@ -101,11 +95,6 @@ QHostAddress WebServer::serverAddress() const
 void WebServer::reloadAccessCode()
 {
     m_accessCode = Preferences::webAccessCode();
-}
-
-QVariant WebServer::webStatusVariant() const
-{
-    return m_status ? QVariant(*m_status) : QVariant();
 }
 
 void WebServer::setStatus(const std::optional<QString> &status)
@@ -181,7 +170,7 @@ void WebServer::setUpRoutes()
                   [](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
                       if (request.value("upgrade").compare("websocket", Qt::CaseInsensitive) == 0)
                           return;
-                      responder.write(errorBody(QStringLiteral("/api/ws attend une connexion WebSocket")),
+                      responder.write(webErrorBody(QStringLiteral("/api/ws attend une connexion WebSocket")),
                                       "application/json", QHttpServerResponder::StatusCode::BadRequest);
                   });
     // The router reads a path as a regular expression: each page's is matched literally.
@@ -190,17 +179,18 @@ void WebServer::setUpRoutes()
                       [path](const QHttpServerRequest &request) { return pageResponse(path, request); });
     }
     m_http->setMissingHandler([](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
-        responder.write(errorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
+        responder.write(webErrorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
                         "application/json", QHttpServerResponder::StatusCode::NotFound);
     });
 }
 
-std::optional<QString> WebServer::refusal(const QString &client, const QByteArray &code)
+std::optional<WebServer::Refusal> WebServer::refusal(const QString &client, const QByteArray &code)
 {
     const qint64 nowMs = m_clock.monotonicUs() / 1000;
     auto lockedOut = [&] {
-        return QStringLiteral("Trop de codes d'accès erronés : réessayez dans %1 s")
-            .arg(m_guard.secondsLeft(client, nowMs));
+        const int seconds = m_guard.secondsLeft(client, nowMs);
+        return Refusal{QStringLiteral("Trop de codes d'accès erronés : réessayez dans %1 s").arg(seconds),
+                       seconds};
     };
     if (m_guard.locked(client, nowMs))
         return lockedOut();
@@ -208,7 +198,9 @@ std::optional<QString> WebServer::refusal(const QString &client, const QByteArra
         m_guard.recordSuccess(client);
         return std::nullopt;
     }
-    return m_guard.recordFailure(client, nowMs) ? lockedOut() : wrongCode;
+    if (m_guard.recordFailure(client, nowMs))
+        return lockedOut();
+    return Refusal{QStringLiteral("Code d'accès manquant ou incorrect")};
 }
 
 QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerRequest &request)
@@ -227,12 +219,11 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     const QByteArray authorization = request.value("Authorization");
     const QString client = request.remoteAddress().toString();
     const QByteArray code = authorization.startsWith("Bearer ") ? authorization.mid(7) : QByteArray();
-    if (const std::optional<QString> refused = refusal(client, code)) {
-        if (*refused == wrongCode)
-            return jsonError(Status::Unauthorized, wrongCode);
-        QHttpServerResponse response = jsonError(Status::TooManyRequests, *refused);
-        response.setHeader("Retry-After",
-                           QByteArray::number(m_guard.secondsLeft(client, m_clock.monotonicUs() / 1000)));
+    if (const std::optional<Refusal> refused = refusal(client, code)) {
+        if (refused->retryAfterSeconds == 0)
+            return jsonError(Status::Unauthorized, refused->message);
+        QHttpServerResponse response = jsonError(Status::TooManyRequests, refused->message);
+        response.setHeader("Retry-After", QByteArray::number(refused->retryAfterSeconds));
         return response;
     }
 
@@ -273,9 +264,7 @@ void WebServer::acceptViewers()
         connect(viewer, &QWebSocket::textMessageReceived, this,
                 [this, viewer](const QString &text) { handleViewerMessage(viewer, text); });
         connect(viewer, &QWebSocket::binaryMessageReceived, this, [viewer] {
-            viewer->sendTextMessage(QString::fromUtf8(QJsonDocument(errorObject(
-                QStringLiteral("Message binaire refusé : un objet JSON texte est attendu")))
-                                                          .toJson(QJsonDocument::Compact)));
+            sendJson(viewer, webErrorObject(QStringLiteral("Message binaire refusé : un objet JSON texte est attendu")));
         });
         connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
             m_viewers.removeOne(viewer);
@@ -286,31 +275,24 @@ void WebServer::acceptViewers()
                 m_lastPushedKey.clear();
         });
         // A new viewer gets the current state at once.
-        viewer->sendTextMessage(QString::fromUtf8(
-            QJsonDocument(webStateDocument(m_engine, m_clock)).toJson(QJsonDocument::Compact)));
+        sendJson(viewer, webStateDocument(m_engine, m_clock));
     }
 }
 
 void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
 {
-    auto reply = [viewer](const QJsonObject &object) {
-        viewer->sendTextMessage(
-            QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
-    };
-    if (text.size() > RequestGate::maxRequestBytes) {
-        reply(errorObject(QStringLiteral("Message trop volumineux (64 Kio au plus)")));
-        return;
-    }
+    // A message over the size limit never gets here: the socket closes on it (code 1009).
+    auto reply = [viewer](const QJsonObject &object) { sendJson(viewer, object); };
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &parseError);
     if (parseError.error != QJsonParseError::NoError || !document.isObject()) {
-        reply(errorObject(QStringLiteral("Message invalide : un objet JSON est attendu")));
+        reply(webErrorObject(QStringLiteral("Message invalide : un objet JSON est attendu")));
         return;
     }
     const QJsonObject message = document.object();
     const QJsonValue name = message.value(QLatin1StringView("command"));
     if (!name.isString()) {
-        reply(errorObject(QStringLiteral("« command » manque ou n'est pas un texte")));
+        reply(webErrorObject(QStringLiteral("« command » manque ou n'est pas un texte")));
         return;
     }
     if (name.toString() == QLatin1StringView("ping")) {
@@ -318,7 +300,7 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         // the program's by the round trip.
         const QJsonValue sent = message.value(QLatin1StringView("t"));
         if (!sent.isDouble()) {
-            reply(errorObject(QStringLiteral("« t » doit être un nombre")));
+            reply(webErrorObject(QStringLiteral("« t » doit être un nombre")));
             return;
         }
         reply(QJsonObject{{QStringLiteral("pong"), sent},
@@ -327,22 +309,22 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         return;
     }
     if (!WebCommand::isCommandName(name.toString())) {
-        reply(errorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
+        reply(webErrorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
         return;
     }
-    if (const std::optional<QString> refused = refusal(
+    if (const std::optional<Refusal> refused = refusal(
             viewer->peerAddress().toString(), message.value(QLatin1StringView("code")).toString().toUtf8())) {
-        reply(errorObject(*refused));
+        reply(webErrorObject(refused->message));
         return;
     }
     QString error;
     const std::optional<WebCommand> command = WebCommand::decode(name.toString(), message, &error);
     if (!command) {
-        reply(errorObject(error));
+        reply(webErrorObject(error));
         return;
     }
     if (const std::optional<QString> refused = applyWebCommand(m_engine, m_clock, *command))
-        reply(errorObject(*refused));
+        reply(webErrorObject(*refused));
 }
 
 void WebServer::schedulePush()

@@ -24,8 +24,6 @@ class TimerEngine;
 class WebServer : public QObject
 {
     Q_OBJECT
-    // The server's last status text; null while serving works or nothing was asked.
-    Q_PROPERTY(QVariant webStatus READ webStatusVariant NOTIFY webStatusChanged FINAL)
 
 public:
     // Both must outlive the server.
@@ -33,7 +31,7 @@ public:
     ~WebServer() override;
 
     // Reads the stored web preferences afresh and starts, moves or stops the server.
-    Q_INVOKABLE void applyWebSettings();
+    void applyWebSettings();
 
     std::optional<QString> webStatus() const { return m_status; }
     quint16 serverPort() const; // 0 while not serving
@@ -51,13 +49,18 @@ signals:
     void statePushed();
 
 private:
-    QVariant webStatusVariant() const;
     void setStatus(const std::optional<QString> &status);
     void stopServing();
     void setUpRoutes();
     QHttpServerResponse handleApi(const QString &name, const QHttpServerRequest &request);
-    // Checks `code` for `client`, counting wrong codes; the French refusal when it fails.
-    std::optional<QString> refusal(const QString &client, const QByteArray &code);
+    // Why a command is refused: its French text, and while the address is locked out, the
+    // seconds left (the HTTP answer is then 429 with Retry-After, else 401).
+    struct Refusal {
+        QString message;
+        int retryAfterSeconds = 0;
+    };
+    // Checks `code` for `client`, counting wrong codes.
+    std::optional<Refusal> refusal(const QString &client, const QByteArray &code);
     void acceptViewers();
     void handleViewerMessage(QWebSocket *viewer, const QString &text);
     void schedulePush();
