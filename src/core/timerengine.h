@@ -160,11 +160,19 @@ public:
     // the running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
 
+    // Calls the state hook with a fresh snapshot. Operations call it themselves; the flags set
+    // directly (blackout, clock mode) do not, so whoever sets them tells remote control here.
+    void notifyStateChange();
+
     // ---- Show controls ----------------------------------------------------------------------
     void sendMessage(const std::optional<QString> &text, bool urgent);
     Q_INVOKABLE void toggleFreeze();
     Q_INVOKABLE void triggerBlink(double duration);
+    static constexpr double blinkSeconds = 3.0; // a blink asked by the operator or a remote
     void startDoors(const QDateTime &at);
+    // The doors countdown to that time of day in the clock's time zone (today's, or tomorrow's
+    // once it is past).
+    void startDoorsAt(QTime timeOfDay);
     Q_INVOKABLE void cancelDoors();
 
     // ---- Cue list editing ---------------------------------------------------------------------
@@ -234,7 +242,6 @@ private:
     void logCue(const Cue &cue, std::optional<int> writeBackIndex);
     void logActiveCue();
     void halt(); // stops the clock and the ticker and calls the hook, logging nothing
-    void notifyStateChange();
     void postJob(std::function<void()> job);
 
     // Editing internals.

@@ -57,6 +57,12 @@ void TimerEngine::startDoors(const QDateTime &at)
     notifyStateChange();
 }
 
+void TimerEngine::startDoorsAt(QTime timeOfDay)
+{
+    const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone());
+    startDoors(QDateTime(now.date(), timeOfDay, m_clock.timeZone()));
+}
+
 void TimerEngine::cancelDoors()
 {
     if (!m_doorsTargetMs)

@@ -74,10 +74,9 @@ void NetworkCoordinator::handleCommand(const OSCMessage &message)
     } else if (a == QLatin1StringView("/kairon/blackout")) {
         // Always a toggle, never a set; the engine's flags call no hook themselves.
         engine->setBlackout(!engine->blackout());
-        if (engine->onStateChange())
-            engine->onStateChange()(engine->snapshot());
+        engine->notifyStateChange();
     } else if (a == QLatin1StringView("/kairon/blink")) {
-        engine->triggerBlink(3.0);
+        engine->triggerBlink(TimerEngine::blinkSeconds);
     } else if (a == QLatin1StringView("/kairon/message")) {
         if (message.stringArg)
             engine->sendMessage(*message.stringArg, false);

@@ -130,8 +130,7 @@ void ConsoleController::selectCue(int index)
 
 void ConsoleController::notifyRemote()
 {
-    if (m_engine.onStateChange())
-        m_engine.onStateChange()(m_engine.snapshot());
+    m_engine.notifyStateChange();
 }
 
 void ConsoleController::toggleBlackout()
@@ -165,8 +164,7 @@ void ConsoleController::addCueFromTemplate(int index)
 
 void ConsoleController::startDoors(int hour, int minute)
 {
-    const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone());
-    m_engine.startDoors(QDateTime(now.date(), QTime(hour, minute), m_clock.timeZone()));
+    m_engine.startDoorsAt(QTime(hour, minute));
 }
 
 void ConsoleController::cancelDoors()

@@ -21,7 +21,7 @@ class ShowCommands : public QObject
 
 public:
     static constexpr double adjustStepSeconds = 30.0;
-    static constexpr double blinkSeconds = 3.0;
+    static constexpr double blinkSeconds = TimerEngine::blinkSeconds;
 
     using QObject::QObject;
 

@@ -118,15 +118,9 @@ std::optional<WebCommand> WebCommand::decode(const QString &name, const QJsonObj
     return command;
 }
 
-std::optional<QString> applyWebCommand(TimerEngine &engine, const Clock &clock,
-                                       const WebCommand &command)
+std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command)
 {
     using Kind = WebCommand::Kind;
-    // The two flags call no state hook themselves, so OSC output is told here.
-    auto announce = [&engine] {
-        if (engine.onStateChange())
-            engine.onStateChange()(engine.snapshot());
-    };
     switch (command.kind) {
     case Kind::Play:
         engine.start();
@@ -148,24 +142,23 @@ std::optional<QString> applyWebCommand(TimerEngine &engine, const Clock &clock,
         break;
     case Kind::Blackout:
         engine.setBlackout(!engine.blackout());
-        announce();
+        engine.notifyStateChange(); // the flag calls no hook itself
         break;
     case Kind::ClockMode:
         engine.setClockMode(!engine.clockMode());
-        announce();
+        engine.notifyStateChange(); // the flag calls no hook itself
         break;
     case Kind::Freeze:
         engine.toggleFreeze();
         break;
     case Kind::Doors:
         if (command.doorsAt)
-            engine.startDoors(QDateTime(clock.now().toTimeZone(clock.timeZone()).date(),
-                                        *command.doorsAt, clock.timeZone()));
+            engine.startDoorsAt(*command.doorsAt);
         else
             engine.cancelDoors();
         break;
     case Kind::Blink:
-        engine.triggerBlink(3.0);
+        engine.triggerBlink(TimerEngine::blinkSeconds);
         break;
     case Kind::Message:
         engine.sendMessage(command.text, command.urgent);

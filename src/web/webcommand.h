@@ -33,10 +33,9 @@ struct WebCommand {
 };
 
 // Applies a command as the console and OSC do: blackout, freeze and clock mode toggle, blink
-// lasts 3 seconds, the doors time is read in the clock's time zone. A command the show cannot
+// lasts 3 seconds, the doors time is read in the engine clock's time zone. A command the show cannot
 // take (a row past the list) changes nothing and gives its French reason.
-std::optional<QString> applyWebCommand(TimerEngine &engine, const Clock &clock,
-                                       const WebCommand &command);
+std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command);
 
 // The state document of GET /api/state and of every WebSocket push: the snapshot's fields with
 // the clock read now, the cue list, and what a page needs to count and show the time of day by

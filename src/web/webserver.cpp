@@ -241,7 +241,7 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     const std::optional<WebCommand> command = WebCommand::decode(name, body, &error);
     if (!command)
         return jsonError(Status::BadRequest, error);
-    if (const std::optional<QString> refused = applyWebCommand(m_engine, m_clock, *command))
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
         return jsonError(Status::BadRequest, *refused);
     return QHttpServerResponse(webStateDocument(m_engine, m_clock));
 }
@@ -323,7 +323,7 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         reply(webErrorObject(error));
         return;
     }
-    if (const std::optional<QString> refused = applyWebCommand(m_engine, m_clock, *command))
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
         reply(webErrorObject(*refused));
 }
 

@@ -242,7 +242,7 @@ private slots:
             const std::optional<WebCommand> command =
                 WebCommand::decode(QString::fromLatin1(name), body, &error);
             QVERIFY2(command, qPrintable(error));
-            applyWebCommand(f.engine, f.clock, *command);
+            applyWebCommand(f.engine, *command);
         };
         apply("freeze");
         QVERIFY(f.engine.freeze());
