@@ -2,8 +2,8 @@
 // what comes next and the message. It always shows the cue clock itself, whatever the stage
 // shows (blackout, freeze, clock mode).
 import {
-    Countdown, activeCue, earliest, fitText, formatCountdown, pageWidth, setStyle, setText, show,
-    startPage, stateColor, timeOfDay,
+    Countdown, activeCue, earliest, fitText, formatCountdown, nextWholeSecond, pageWidth, setStyle,
+    setText, show, startPage, stateColor, timeOfDay,
 } from "./kairon.js";
 
 const $ = (id) => document.getElementById(id);
@@ -35,8 +35,7 @@ function render(state, now) {
     setText(view.message, message ?? "");
     view.message.classList.toggle("urgent", state.messageUrgent);
 
-    const thresholds = cue ? [cue.warningThreshold, cue.dangerThreshold] : [];
-    return earliest(clock.nextChange(now, thresholds), Math.floor(now / 1000) * 1000 + 1000);
+    return earliest(clock.nextChange(now, cue), nextWholeSecond(now));
 }
 
 startPage(render);

@@ -64,14 +64,14 @@ export class Countdown {
         return this.running ? this.anchor + (this.nextAt - now) / 1000 : this.value;
     }
 
-    // The next instant at or after `now` when the shown second or the side of one of the
-    // `thresholds` changes; null while standing.
-    nextChange(now, thresholds = []) {
+    // The next instant at or after `now` when the shown second, or its colour for `cue` (a
+    // threshold crossed), changes; null while standing.
+    nextChange(now, cue = null) {
         if (!this.running)
             return null;
         let due = this.nextAt + Math.max(0, Math.ceil((now - this.nextAt) / 1000)) * 1000;
         const value = this.valueAt(now);
-        for (const threshold of thresholds) {
+        for (const threshold of cue ? [cue.warningThreshold, cue.dangerThreshold] : []) {
             if (value > threshold)
                 due = Math.min(due, now + (value - threshold) * 1000);
         }
@@ -84,6 +84,11 @@ export class Countdown {
 export function nextChangeCountingTo(targetMs, now) {
     const left = targetMs - now;
     return left > 0 ? now + (left % 1000) : null;
+}
+
+// The next change of a wall clock's second after `now`.
+export function nextWholeSecond(now) {
+    return Math.floor(now / 1000) * 1000 + 1000;
 }
 
 // The earliest of the instants that are not null, or null.

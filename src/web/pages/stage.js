@@ -1,7 +1,7 @@
 // The stage display in a browser: the same layers and rules as the desktop's stage window.
 import {
     Countdown, Phase, activeCue, earliest, fitText, formatCountdown, fullDate, nextChangeCountingTo,
-    pageWidth, setStyle, setText, show, startPage, stateColor, timeOfDay,
+    nextWholeSecond, pageWidth, setStyle, setText, show, startPage, stateColor, timeOfDay,
 } from "./kairon.js";
 
 const $ = (id) => document.getElementById(id);
@@ -50,7 +50,7 @@ function drawTimer(state, now, width) {
     show(view.progressFill, filled > 0);
     show(view.freeze, state.freeze);
 
-    let due = cue ? shown.nextChange(now, [cue.warningThreshold, cue.dangerThreshold]) : shown.nextChange(now);
+    let due = shown.nextChange(now, cue);
     if (elapsedRuns && planned > 0 && fraction < 1) {
         // The next whole pixel of the bar, at most ten times a second.
         const pixelAt = now + (((filled + 0.5) * planned) / barWidth - elapsed) * 1000;
@@ -68,7 +68,7 @@ function drawDoors(state, now, width) {
 function drawClock(state, now, width) {
     fitText(view.clockTime, timeOfDay(state, now), width * 0.2, width);
     setText(view.clockDate, fullDate(state, now));
-    return Math.floor(now / 1000) * 1000 + 1000;
+    return nextWholeSecond(now);
 }
 
 const draws = { doors: drawDoors, clock: drawClock, timer: drawTimer };
