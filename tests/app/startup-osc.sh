@@ -9,10 +9,7 @@ source "$(dirname "$0")/../support/scratch.sh"
 listen=$(free_udp_port)
 send=$(free_udp_port)
 
-export HOME=$dir/home XDG_CONFIG_HOME=$dir/home/.config XDG_CACHE_HOME=$dir/home/.cache
-export XDG_RUNTIME_DIR=$dir/run QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
-mkdir -p "$XDG_CONFIG_HOME/Kairon" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
+sandbox_home "$dir"
 cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
 [General]
 oscListenEnabled=true
@@ -33,11 +30,7 @@ KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
 pids+=($!)
 
 # Listening, as the program itself reports it.
-for _ in $(seq 200); do
-    grep -q "kairon-startup osc-listening" "$dir/trace" && break
-    sleep 0.02
-done
-grep -q "kairon-startup osc-listening" "$dir/trace" || { cat "$dir/trace"; echo "never listened"; exit 1; }
+wait_for_trace "$dir/trace" osc-listening
 
 oscsend 127.0.0.1 "$listen" /kairon/play
 for _ in $(seq 250); do

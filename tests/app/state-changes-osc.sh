@@ -26,9 +26,8 @@ start() {
     run=$dir/$1
     listen=$(free_udp_port)
     send=$(free_udp_port)
-    mkdir -p "$run/home/.config/Kairon" "$run/runtime"
-    chmod 700 "$run/runtime"
-    cat > "$run/home/.config/Kairon/Kairon.conf" <<CONF
+    sandbox_home "$run"
+    cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
 [General]
 oscListenEnabled=true
 oscListenPort=$listen
@@ -43,15 +42,9 @@ CONF
 JSON
     oscdump -L "$send" > "$run/received" 2>&1 &
     pids+=($!)
-    HOME=$run/home XDG_CONFIG_HOME=$run/home/.config XDG_CACHE_HOME=$run/home/.cache \
-        XDG_RUNTIME_DIR=$run/runtime QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software \
-        KAIRON_STARTUP_TRACE=1 "$kairon" "$run/show.orvprjct" 2> "$run/trace" &
+    KAIRON_STARTUP_TRACE=1 "$kairon" "$run/show.orvprjct" 2> "$run/trace" &
     pids+=($!)
-    for _ in $(seq 250); do
-        grep -q "kairon-startup osc-listening" "$run/trace" && break
-        sleep 0.02
-    done
-    grep -q "kairon-startup osc-listening" "$run/trace" || { cat "$run/trace"; echo "FAIL: never listened"; exit 1; }
+    wait_for_trace "$run/trace" osc-listening
 }
 command() { oscsend 127.0.0.1 "$listen" "$@"; }
 

@@ -9,20 +9,9 @@
 set -euo pipefail
 kairon=$1
 here=$(cd "$(dirname "$0")" && pwd)
-dir=$(mktemp -d)
-cleanup() {
-    # web-pages.py writes the id of every process it starts, and stops them itself; this is for
-    # when it could not.
-    if [[ -f $dir/pids ]]; then
-        while read -r started; do
-            kill -CONT "$started" 2>/dev/null || true
-            kill "$started" 2>/dev/null || true
-        done < "$dir/pids"
-    fi
-    wait 2>/dev/null || true
-    rm -rf "$dir"
-}
-trap cleanup EXIT
+# web-pages.py writes the id of every process it starts to $dir/pids, and stops them itself;
+# the scratch directory's cleanup is for when it could not.
+source "$here/../support/scratch.sh"
 
 code=K7M2P9QX
 source "$here/../support/web-sandbox.sh"
