@@ -3,7 +3,7 @@
 #include "preferences.h"
 #include "qttranslations.h"
 #include "settingssandbox.h"
-#include "udpports.h"
+#include "ports.h"
 
 #include <QProcess>
 #include <QSignalSpy>

@@ -1,4 +1,5 @@
 #include "brandview.h"
+#include "ports.h"
 #include "temphome.h"
 
 #include <QBuffer>
@@ -57,15 +58,6 @@ QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// A port of 127.0.0.1 free at this moment: a connection to it is refused at once until
-// something binds it.
-quint16 freePort()
-{
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
 bool answers(quint16 port)
 {
     QTcpSocket socket;
@@ -116,14 +108,14 @@ class TestBrand : public QObject
     {
         return QUrl(QStringLiteral("http://127.0.0.1:%1/%2").arg(m_port).arg(name));
     }
-    static QUrl unreachable() { return QUrl(QStringLiteral("http://127.0.0.1:%1/logo.png").arg(freePort())); }
+    static QUrl unreachable() { return QUrl(QStringLiteral("http://127.0.0.1:%1/logo.png").arg(freeTcpPort())); }
 
 private slots:
     void initTestCase()
     {
         writeFile(m_served.filePath(QStringLiteral("logo.png")), servedPng());
         writeFile(m_served.filePath(QStringLiteral("notes.png")), "Ceci n'est pas une image.\n");
-        m_port = freePort();
+        m_port = freeTcpPort();
         m_server.setStandardOutputFile(QProcess::nullDevice());
         m_server.setStandardErrorFile(QProcess::nullDevice());
         m_server.start(QStringLiteral("python3"),

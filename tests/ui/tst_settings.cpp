@@ -3,7 +3,7 @@
 #include "qttranslations.h"
 #include "settingsfixture.h"
 #include "osccodec.h"
-#include "udpports.h"
+#include "ports.h"
 #include "uuidtext.h"
 
 #include <QDir>
@@ -18,12 +18,6 @@ class TestSettings : public QObject
 {
     Q_OBJECT
 
-    static quint16 freeUdpPort()
-    {
-        QUdpSocket probe;
-        probe.bind(QHostAddress::LocalHost, 0);
-        return probe.localPort();
-    }
     static bool portIsFree(quint16 port) { return !udpPortBound(port); }
     static QVariant stored(const char *key) { return QSettings().value(QLatin1StringView(key)); }
     // The keys stored, but the web access code: made and stored the first time anything reads

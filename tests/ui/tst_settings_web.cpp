@@ -1,5 +1,6 @@
 #include "theme.h"
 #include "pixels.h"
+#include "ports.h"
 #include "preferences.h"
 #include "qrcodeitem.h"
 #include "qttranslations.h"
@@ -30,12 +31,6 @@ class TestSettingsWeb : public QObject
     static constexpr int webTab = 2;
 
     static QVariant stored(const char *key) { return QSettings().value(QLatin1StringView(key)); }
-    static quint16 freeTcpPort()
-    {
-        QTcpServer probe;
-        probe.listen(QHostAddress::LocalHost, 0);
-        return probe.serverPort();
-    }
     static bool listening(quint16 port)
     {
         QTcpSocket socket;

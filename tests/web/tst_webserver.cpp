@@ -1,6 +1,7 @@
 #include "codeguard.h"
 #include "enginefixture.h"
 #include "formatters.h"
+#include "ports.h"
 #include "preferences.h"
 #include "settingssandbox.h"
 #include "webcommand.h"
@@ -19,13 +20,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-quint16 freePort()
-{
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost);
-    return probe.serverPort();
-}
-
 void storeWebSettings(quint16 port)
 {
     Preferences::setWebEnabled(true);
@@ -38,7 +32,7 @@ void storeWebSettings(quint16 port)
 struct ServingFixture {
     ServingFixture()
     {
-        storeWebSettings(freePort());
+        storeWebSettings(freeTcpPort());
         f.engine.loadSession(showOf({durationCue("A", 600)}));
         server.applyWebSettings();
     }

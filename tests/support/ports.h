@@ -1,7 +1,27 @@
 #pragma once
 
 #include <QFile>
+#include <QHostAddress>
 #include <QString>
+#include <QTcpServer>
+#include <QUdpSocket>
+
+// A TCP port of 127.0.0.1 free at this moment: a connection to it is refused at once until
+// something binds it.
+inline quint16 freeTcpPort()
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    return probe.serverPort();
+}
+
+// A UDP port of 127.0.0.1 free at this moment.
+inline quint16 freeUdpPort()
+{
+    QUdpSocket probe;
+    probe.bind(QHostAddress::LocalHost, 0);
+    return probe.localPort();
+}
 
 // Whether a UDP socket of this machine is bound to the port, IPv4 or IPv6, read from the
 // kernel's socket tables. Unlike a probe that binds the port itself, looking never takes the
