@@ -11,6 +11,9 @@
 class Preferences
 {
 public:
+    // Whether a stored port can be used: 1 to 65535 (0, never stored, cannot).
+    static bool isPort(int port) { return port >= 1 && port <= 65535; }
+
     // ---- As the settings window shows them ----
     static bool oscListenEnabled();  // false
     static int oscListenPort();      // 53100

@@ -140,11 +140,11 @@ void NetworkCoordinator::sendStateChanges()
 void NetworkCoordinator::applyOSCSettings()
 {
     const Preferences::OscSettings stored = Preferences::storedOscSettings();
-    if (stored.listenEnabled && stored.listenPort >= 1 && stored.listenPort <= 65535)
+    if (stored.listenEnabled && Preferences::isPort(stored.listenPort))
         m_osc.startListening(quint16(stored.listenPort));
     else
         m_osc.stopListening();
-    if (stored.sendEnabled && stored.sendPort >= 1 && stored.sendPort <= 65535)
+    if (stored.sendEnabled && Preferences::isPort(stored.sendPort))
         m_osc.configureSend(stored.sendHost, quint16(stored.sendPort));
     else
         m_osc.configureSend(QString(), 0);

@@ -123,7 +123,7 @@ void WebServer::applyWebSettings()
     const Preferences::WebSettings stored = Preferences::storedWebSettings();
     m_accessCode = stored.accessCode;
     stopServing();
-    if (!stored.enabled || stored.port < 1 || stored.port > 65535) {
+    if (!stored.enabled || !Preferences::isPort(stored.port)) {
         setStatus(std::nullopt);
         return;
     }

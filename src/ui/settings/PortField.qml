@@ -1,8 +1,9 @@
 import QtQuick
 import Kairon
 
-// A network port (OSC over UDP, the web server over TCP): whole numbers from 1 to 65535 only. Each acceptable edit is stored at once; text
-// that is not a port is never stored and, once the field is left, gives way to the stored port.
+// A network port (OSC over UDP, the web server over TCP): whole numbers from 1 to 65535 only.
+// Each acceptable edit is stored at once; text that is not a port is never stored and, once the
+// field is left, gives way to the stored port.
 SheetTextField {
     id: field
 

@@ -43,7 +43,7 @@ void SettingsController::setOscListenEnabled(bool on)
 
 void SettingsController::setOscListenPort(int port)
 {
-    if (isPort(port))
+    if (Preferences::isPort(port))
         Preferences::setOscListenPort(port);
     emit oscPreferencesChanged();
     emit oscStatusChanged(); // the status line names the port
@@ -63,7 +63,7 @@ void SettingsController::setOscSendHost(const QString &host)
 
 void SettingsController::setOscSendPort(int port)
 {
-    if (isPort(port))
+    if (Preferences::isPort(port))
         Preferences::setOscSendPort(port);
     emit oscPreferencesChanged();
 }

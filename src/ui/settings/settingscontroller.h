@@ -62,9 +62,6 @@ public:
     SettingsController(TimerEngine &engine, NetworkCoordinator &network, WebServer &web,
                        SessionStore &store, QObject *parent = nullptr);
 
-    static constexpr int lowestPort = 1;
-    static constexpr int highestPort = 65535;
-
     bool oscListenEnabled() const;
     int oscListenPort() const;
     bool oscSendEnabled() const;
@@ -114,7 +111,6 @@ signals:
 
 private:
     void refreshAlertOutputs();
-    static bool isPort(int port) { return port >= lowestPort && port <= highestPort; }
 
     TimerEngine &m_engine;
     NetworkCoordinator &m_network;

@@ -30,7 +30,7 @@ void WebSettingsController::setWebEnabled(bool on)
 
 void WebSettingsController::setWebPort(int port)
 {
-    if (port >= 1 && port <= 65535)
+    if (Preferences::isPort(port))
         Preferences::setWebPort(port);
     emit preferencesChanged();
 }
@@ -39,8 +39,10 @@ void WebSettingsController::setWebInterface(const QString &address)
 {
     Preferences::setWebInterface(address);
     emit preferencesChanged();
-    refreshInterfaces(); // a stored address the machine does not have is listed while chosen
-    emit interfacesChanged();
+    // A stored address the machine does not have is listed while chosen; when the list stays,
+    // the chosen entry still moves.
+    if (!refreshInterfaces())
+        emit interfacesChanged();
 }
 
 int WebSettingsController::interfaceIndex() const
@@ -52,7 +54,7 @@ int WebSettingsController::interfaceIndex() const
     return -1;
 }
 
-void WebSettingsController::refreshInterfaces()
+bool WebSettingsController::refreshInterfaces()
 {
     m_machine = WebAddresses::machineAddresses();
     const QString chosen = webInterface();
@@ -68,11 +70,12 @@ void WebSettingsController::refreshInterfaces()
     }
     if (!chosenListed)
         choices << choice(chosen, QStringLiteral("%1 (absente de cette machine)").arg(chosen));
-    if (choices != m_interfaceChoices) {
-        m_interfaceChoices = std::move(choices);
-        emit interfacesChanged();
-        emit statusChanged(); // the pages' addresses follow the machine's
-    }
+    if (choices == m_interfaceChoices)
+        return false;
+    m_interfaceChoices = std::move(choices);
+    emit interfacesChanged();
+    emit statusChanged(); // the pages' addresses follow the machine's
+    return true;
 }
 
 QString WebSettingsController::accessCode() const { return Preferences::webAccessCode(); }

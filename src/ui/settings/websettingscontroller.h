@@ -61,7 +61,7 @@ public:
     QVariantList pageHosts() const;
 
     // Reads the machine's interfaces afresh (the window shows, a cable is plugged in…).
-    Q_INVOKABLE void refreshInterfaces();
+    Q_INVOKABLE bool refreshInterfaces(); // whether the list changed
     // Starts, moves or stops the server with the stored preferences.
     Q_INVOKABLE void apply();
     // A fresh random access code, stored and in force at once.
