@@ -6,19 +6,8 @@
 set -euo pipefail
 kairon=$1
 source "$(dirname "$0")/../support/scratch.sh"
-listen=$(free_udp_port)
-send=$(free_udp_port)
-
 sandbox_home "$dir"
-cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-oscListenEnabled=true
-oscListenPort=$listen
-oscSendEnabled=true
-oscSendHost=127.0.0.1
-oscSendPort=$send
-splashDuration=10
-CONF
+osc_preferences splashDuration=10
 cat > "$dir/show.orvprjct" <<'JSON'
 {"name": "Soirée", "cues": [{"name": "Ouverture", "duration": 600}]}
 JSON

@@ -24,19 +24,8 @@ wait_for() {
 # A program of its own, with the switch stored as $1 (true or false).
 start() {
     run=$dir/$1
-    listen=$(free_udp_port)
-    send=$(free_udp_port)
     sandbox_home "$run"
-    cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-oscListenEnabled=true
-oscListenPort=$listen
-oscSendEnabled=true
-oscSendHost=127.0.0.1
-oscSendPort=$send
-oscSendStateChanges=$1
-splashDuration=1
-CONF
+    osc_preferences "oscSendStateChanges=$1" splashDuration=1
     cat > "$run/show.orvprjct" <<'JSON'
 {"name": "Soirée", "cues": [{"name": "Ouverture", "duration": 600}, {"name": "Débat", "duration": 900}]}
 JSON

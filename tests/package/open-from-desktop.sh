@@ -14,19 +14,8 @@ set -euo pipefail
 project=$1
 out=$2
 source "$(dirname "$0")/../support/scratch.sh"
-listen=$(free_udp_port)
-send=$(free_udp_port)
-
 mkdir -p "$XDG_CONFIG_HOME/Kairon"
-cat > "$XDG_CONFIG_HOME/Kairon/Kairon.conf" <<CONF
-[General]
-oscListenEnabled=true
-oscListenPort=$listen
-oscSendEnabled=true
-oscSendHost=127.0.0.1
-oscSendPort=$send
-splashDuration=1
-CONF
+osc_preferences splashDuration=1
 
 # Waits up to $1 seconds for a line matching $2 in file $3.
 wait_for() {

@@ -30,6 +30,18 @@ sandbox_home() {
     chmod 700 "$XDG_RUNTIME_DIR"
 }
 
+# osc_preferences [KEY=VALUE…]: stores OSC listening and sending on, each on a free port of its
+# own (set in $listen and $send; sending to 127.0.0.1), then the given preferences, in the home's
+# preferences file.
+osc_preferences() {
+    listen=$(free_udp_port)
+    send=$(free_udp_port)
+    printf '[General]\noscListenEnabled=true\noscListenPort=%d\noscSendEnabled=true\n' "$listen" \
+        > "$XDG_CONFIG_HOME/Kairon/Kairon.conf"
+    printf 'oscSendHost=127.0.0.1\noscSendPort=%d\n' "$send" >> "$XDG_CONFIG_HOME/Kairon/Kairon.conf"
+    printf '%s\n' "$@" >> "$XDG_CONFIG_HOME/Kairon/Kairon.conf"
+}
+
 # wait_for_trace TRACE MARK: waits (5 s at most) until the program started with
 # KAIRON_STARTUP_TRACE=1, its standard error in TRACE, says "kairon-startup MARK"; else prints
 # TRACE and fails.
