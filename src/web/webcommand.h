@@ -33,8 +33,8 @@ struct WebCommand {
 };
 
 // Applies a command as the console and OSC do: blackout, freeze and clock mode toggle, blink
-// lasts 3 seconds, the doors time is read in the engine clock's time zone. A command the show cannot
-// take (a row past the list) changes nothing and gives its French reason.
+// lasts 3 seconds, the doors time is read in the engine clock's time zone. A command the show
+// cannot take (a row past the list) changes nothing and gives its French reason.
 std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command);
 
 // The state document of GET /api/state and of every WebSocket push: the snapshot's fields with

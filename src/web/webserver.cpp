@@ -264,7 +264,8 @@ void WebServer::acceptViewers()
         connect(viewer, &QWebSocket::textMessageReceived, this,
                 [this, viewer](const QString &text) { handleViewerMessage(viewer, text); });
         connect(viewer, &QWebSocket::binaryMessageReceived, this, [viewer] {
-            sendJson(viewer, webErrorObject(QStringLiteral("Message binaire refusé : un objet JSON texte est attendu")));
+            sendJson(viewer, webErrorObject(QStringLiteral(
+                                 "Message binaire refusé : un objet JSON texte est attendu")));
         });
         connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
             m_viewers.removeOne(viewer);

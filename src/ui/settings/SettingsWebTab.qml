@@ -4,9 +4,9 @@ import QtQuick.Window
 import Kairon
 
 // "Web": the server that shows the stage and confidence displays in a browser and lets control
-// software drive the show with the access code. Its switch, port and interface are applied together by one button; the access
-// code changes at once. Below, the server's status and, while it serves, each page's address
-// with its QR code.
+// software drive the show with the access code. Its switch, port and interface are applied
+// together by one button; the access code changes at once. Below, the server's status and,
+// while it serves, each page's address with its QR code.
 SettingsPage {
     id: tab
 
