@@ -22,7 +22,7 @@
 #      the project in the library; Ctrl+Q quits; a second launch lists the project again.
 #
 # Usage: acceptance.sh KAIRON_BINARY
-# Starts its own servers (tests/audio/with-pulseaudio.sh around tests/ui/with-xvfb.sh) unless
+# Starts its own servers (tests/audio/with-pulseaudio.sh around tests/support/with-xvfb.sh) unless
 # it already runs inside them. With KAIRON_SCREENSHOT_DIR set, keeps a numbered screenshot of
 # each step there (created if needed), and failure.png when a check fails.
 set -euo pipefail
@@ -38,7 +38,7 @@ kairon=$(realpath "$1")
 
 if [[ -z "${KAIRON_ACCEPTANCE_SERVERS:-}" ]]; then
     export KAIRON_ACCEPTANCE_SERVERS=1
-    exec "$tests/audio/with-pulseaudio.sh" "$tests/ui/with-xvfb.sh" "$0" "$kairon"
+    exec "$tests/audio/with-pulseaudio.sh" "$tests/support/with-xvfb.sh" "$0" "$kairon"
 fi
 
 # ---- Surroundings ---------------------------------------------------------------------------

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Opens a project as a double-click in a file manager does, and checks over OSC that the
 # installed program came up on it. Run by install-package.sh on a private X server
-# (tests/ui/with-xvfb.sh), in the temporary home that gives.
+# (tests/support/with-xvfb.sh), in the temporary home that gives.
 #
 # xdg-open, on no particular desktop, asks xdg-mime for the file's type and that type's default
 # application, and runs the command of its menu entry with the file. The program's remote
