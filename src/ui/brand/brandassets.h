@@ -20,6 +20,9 @@ class QNetworkReply;
 // `downloadRemote()` then fetches the current one in the background and, when it decodes,
 // writes it to the cache and shows it. A failed fetch changes nothing and reports nothing.
 // Views without a logo draw the product's mark instead.
+//
+// It lives with the brand's own views (the logo, its mark, the about panel); the splash, the
+// library, the console and the settings show the logo through them.
 class BrandAssets : public QObject
 {
     Q_OBJECT

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QtQml/qqml.h>
 
+// Lives with the displays and their screen manager, which makes the list; the console's stage
+// output button only shows it.
 // In a namespace because <QGuiApplication> declares Xlib's global `Display` on Linux.
 namespace Kairon {
 

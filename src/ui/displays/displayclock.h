@@ -11,6 +11,9 @@
 // The wall clock the displays show, from the injected clock. It moves on the true second: a
 // timer aimed at the next change of the second, not a free-running one-second timer that could
 // show a second up to a second late. It also makes the views' phase timers on the same clock.
+//
+// It lives with the displays, whose wall clock and flash and blink timers it drives; the project
+// sheet (today's date) and the splash (its timers) use it too, so every window follows one time.
 class DisplayClock : public QObject
 {
     Q_OBJECT

@@ -22,6 +22,9 @@ class QWindow;
 //
 // It never activates or focuses a window it moves: the operator keeps typing in their own
 // window while the output windows change place.
+//
+// It lives with the displays, whose windows it places; the console only offers its list of
+// displays in the stage output button and asks it to move a window.
 class ScreenManager : public QObject
 {
     Q_OBJECT

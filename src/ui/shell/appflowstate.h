@@ -5,6 +5,9 @@
 
 // Where the operator's window is: the splash, the project library or the console. Views move
 // it directly; the window's content follows it.
+//
+// It lives with the shell, which owns the window and its transitions; the library and the
+// console only ask it to move on (a project opened, the library asked for).
 class AppFlowState : public QObject
 {
     Q_OBJECT

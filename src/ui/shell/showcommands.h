@@ -8,6 +8,9 @@
 
 // The commands of the menus and their shortcuts, on the application's engine, with the titles
 // that follow its state ("Pause" while a cue runs, "Play" otherwise…).
+//
+// It lives with the shell, whose menu bar and shortcuts are its main users; the console's
+// transport bar calls the same commands so that a button and its menu item never differ.
 class ShowCommands : public QObject
 {
     Q_OBJECT

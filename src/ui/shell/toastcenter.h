@@ -19,7 +19,8 @@ struct ToastMessage {
     Kind kind = Info;
 };
 
-// The application's one notification centre. At most one toast exists: a newer one replaces
+// The application's one notification centre. It lives with the shell, whose window shows the
+// toasts over every page; the console, the library and the launch only post to it. At most one toast exists: a newer one replaces
 // the older at once and restarts the full duration, so an older toast's timer can never clear
 // a newer one. The dismissal runs on the injected clock.
 class ToastCenter : public QObject
