@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine for Kairon, builds it, then launches it or runs every test.
 #   tools/kairon.sh run    install the missing packages, build, launch Kairon
-#   tools/kairon.sh test   install the missing packages (with the test tools), build, run the tests
+#   tools/kairon.sh test   install the missing packages (with the test tools), build, run the tests,
+#                          then build them again with AddressSanitizer and UndefinedBehaviorSanitizer
+#                          (in build-sanitized) and run them there too
 # Works as root or as a user with sudo; only the package installation needs root.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -34,5 +36,26 @@ cmake --build build
 if [[ "$1" == run ]]; then
     exec build/src/app/kairon
 fi
-cd build
-exec ctest --output-on-failure --parallel "$(nproc)"
+(cd build && ctest --output-on-failure --parallel "$(nproc)")
+
+# The same program and tests built with AddressSanitizer and UndefinedBehaviorSanitizer: the
+# engine's, the views' and the real program's tests run again there (the fuzzers run sanitized
+# already; the package and the benchmarks are not rebuilt). -O1 keeps the build short. Every
+# report is written to a log as well, so that one from a process a script started in the
+# background fails the run even when that script did not notice.
+cmake -S . -B build-sanitized -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" -DKAIRON_SANITIZE=ON \
+    -DKAIRON_BUILD_TESTS=ON -DKAIRON_BUILD_BENCH=OFF -DKAIRON_FUZZ_TESTS=OFF
+cmake --build build-sanitized
+reports=$PWD/build-sanitized/sanitizer-reports
+rm -rf "$reports" && mkdir -p "$reports"
+export ASAN_OPTIONS="detect_leaks=0:abort_on_error=1:log_path=$reports/asan"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:log_path=$reports/ubsan"
+status=0
+(cd build-sanitized && ctest --output-on-failure --parallel "$(nproc)" -LE package) || status=$?
+if compgen -G "$reports/*" >/dev/null; then
+    echo "Sanitizer reports:" >&2
+    cat "$reports"/* >&2
+    status=1
+fi
+exit "$status"

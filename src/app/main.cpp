@@ -9,10 +9,12 @@
 #include "launchproject.h"
 #include "networkcoordinator.h"
 #include "qttranslations.h"
+#include "quitsignals.h"
 #include "renderingbackend.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
 #include "settingscontroller.h"
+#include "showrecovery.h"
 #include "soundmanager.h"
 #include "startuptrace.h"
 #include "systemclock.h"
@@ -25,9 +27,63 @@
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
 #include <QQuickWindow>
+#include <QScreen>
+#include <QTimer>
 #include <QUrl>
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
+
+namespace {
+
+// The output windows by identifier, as Main.qml declares them.
+const QList<std::pair<QString, const char *>> outputWindows = {{QStringLiteral("stage"), "stageWindow"},
+                                                               {QStringLiteral("confidence"), "confidenceWindow"}};
+
+// Tells the recovery where the output windows are, and each time one shows, hides or moves.
+void watchOutputs(QObject *root, ShowRecovery &recovery)
+{
+    recovery.setOutputReader([root] {
+        QList<LiveState::Output> outputs;
+        for (const auto &[identifier, property] : outputWindows) {
+            const auto *window = root->property(property).value<QQuickWindow *>();
+            if (window && window->isVisible())
+                outputs.append({identifier, window->screen() ? window->screen()->name() : QString(),
+                                window->visibility() == QWindow::FullScreen});
+        }
+        return outputs;
+    });
+    for (const auto &[identifier, property] : outputWindows) {
+        auto *window = root->property(property).value<QQuickWindow *>();
+        if (!window)
+            continue;
+        const auto moved = [&recovery] { recovery.outputsMoved(); };
+        QObject::connect(window, &QWindow::visibleChanged, &recovery, moved);
+        QObject::connect(window, &QWindow::screenChanged, &recovery, moved);
+        QObject::connect(window, &QWindow::visibilityChanged, &recovery, moved);
+    }
+}
+
+// Opens again the output windows of a resumed show, full screen on their displays when those
+// are connected.
+void reopenOutputs(QObject *root, ShowRecovery &recovery, ScreenManager &screens)
+{
+    const QList<QScreen *> connected = QGuiApplication::screens();
+    for (const LiveState::Output &output : recovery.outputsToReopen()) {
+        QMetaObject::invokeMethod(root, "openWindow", Q_ARG(QVariant, output.window));
+        const auto screen = std::find_if(connected.cbegin(), connected.cend(),
+                                         [&](const QScreen *s) { return s->name() == output.screen; });
+        if (!output.fullScreen || screen == connected.cend())
+            continue;
+        const int index = int(screen - connected.cbegin());
+        QString title = output.window;
+        title[0] = title[0].toUpper(); // "Kairon — Stage"
+        // As the console does it: the window shows first, then goes to its display.
+        QTimer::singleShot(ConsoleController::stageMoveDelayMs, &screens,
+                           [&screens, title, index] { screens.sendWindow(title, index); });
+    }
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -68,9 +124,12 @@ int main(int argc, char *argv[])
     brand.downloadRemote();
     ToastCenter toasts(clock);
     SessionStore store(clock);
-    if (const std::optional<QString> file = LaunchProject::fileArgument(app.arguments()))
-        LaunchProject::open(*file, store, engine, flow, toasts);
     ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
+    // A show interrupted last time comes back first, where its clock is now.
+    ShowRecovery recovery(engine, store, flow, toasts);
+    const std::optional<QString> file = LaunchProject::fileArgument(app.arguments());
+    if (!recovery.resumeIfInterrupted(file) && file)
+        LaunchProject::open(*file, store, engine, flow, toasts);
     SettingsController settings(engine, network, web, store);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
@@ -87,7 +146,22 @@ int main(int argc, char *argv[])
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     if (qml.rootObjects().isEmpty())
         return 1;
-    auto *operatorWindow = qml.rootObjects().first()->property("operatorWindow").value<QQuickWindow *>();
+    QObject *root = qml.rootObjects().first();
+    auto *operatorWindow = root->property("operatorWindow").value<QQuickWindow *>();
+    watchOutputs(root, recovery);
+    reopenOutputs(root, recovery, screens);
+
+    // Quitting, whatever asks for it (the menu, a signal, the end of the desktop session),
+    // saves the open show and closes it: no recovery is left for the next launch.
+    QuitSignals quitSignals;
+    QObject::connect(&quitSignals, &QuitSignals::quitRequested, &app, &QCoreApplication::quit);
+    QObject::connect(&app, &QGuiApplication::commitDataRequest, &app, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, &app, [&] {
+        if (flow.stage() == AppFlowState::Workspace)
+            console.saveBeforeQuit();
+        recovery.showClosed();
+    });
     QObject::connect(operatorWindow, &QQuickWindow::frameSwapped, operatorWindow,
                      [] { StartupTrace::mark("first-frame"); }, Qt::SingleShotConnection);
     return app.exec();

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
+#include <utility>
 
 TimerEngine::TimerEngine(Clock &clock, AlertPlayer &sound, QObject *parent)
     : QObject(parent),
@@ -24,9 +26,10 @@ TimerEngine::TimerEngine(Clock &clock, AlertPlayer &sound, QObject *parent)
     m_ticker = m_clock.createTimer([this] { tick(); });
     m_blinkTimer = m_clock.createTimer([this] {
         postJob([this] {
+            const Batch batch(*this);
             if (m_blinkActive) {
                 m_blinkActive = false;
-                emit blinkActiveChanged();
+                notify(&TimerEngine::blinkActiveChanged);
             }
             notifyStateChange();
         });
@@ -101,24 +104,85 @@ std::optional<QDateTime> TimerEngine::doorsTarget() const
     return QDateTime::fromMSecsSinceEpoch(*m_doorsTargetMs, Qt::UTC);
 }
 
-void TimerEngine::refreshDerived()
+bool TimerEngine::recomputeDerived()
 {
-    m_activeCueIndex.reset();
+    std::optional<int> index;
     if (m_activeCueID) {
         for (int i = 0; i < m_session.cues.size(); ++i) {
             if (m_session.cues[i].id == *m_activeCueID) {
-                m_activeCueIndex = i;
+                index = i;
                 break;
             }
         }
     }
-    const std::optional<int> base = baseIndex();
+    const std::optional<int> base = index ? index : m_selectedCueIndex;
     double sum = 0;
     for (qsizetype i = base ? std::max(*base + 1, 0) : 0; i < m_session.cues.size(); ++i)
         sum += m_session.cues[i].duration;
+    const bool moved = index != m_activeCueIndex || sum != m_durationsAfterBase;
+    m_activeCueIndex = index;
     m_durationsAfterBase = sum;
-    emit activeCueChanged();
-    emit clockChanged();
+    return moved;
+}
+
+void TimerEngine::refreshDerived()
+{
+    recomputeDerived();
+    notify(&TimerEngine::activeCueChanged);
+    notify(&TimerEngine::clockChanged);
+}
+
+// ---- Notifications ----------------------------------------------------------------------------
+
+namespace {
+// The order in which an operation's signals reach observers: the show first, then what is
+// derived from it.
+constexpr void (TimerEngine::*signalOrder[])() = {
+    &TimerEngine::sessionChanged,      &TimerEngine::selectedCueIndexChanged,
+    &TimerEngine::activeCueChanged,    &TimerEngine::runStateChanged,
+    &TimerEngine::clockChanged,        &TimerEngine::completedCueLogChanged,
+    &TimerEngine::undoStateChanged,    &TimerEngine::messageChanged,
+    &TimerEngine::presetMessagesChanged, &TimerEngine::blackoutChanged,
+    &TimerEngine::freezeChanged,       &TimerEngine::clockModeChanged,
+    &TimerEngine::blinkActiveChanged,  &TimerEngine::doorsChanged,
+    &TimerEngine::showLockedChanged,   &TimerEngine::soundsEnabledChanged,
+    &TimerEngine::templatesChanged,
+};
+constexpr int signalCount = int(std::size(signalOrder));
+static_assert(signalCount <= 32);
+} // namespace
+
+void TimerEngine::notify(Signal signal)
+{
+    for (int i = 0; i < signalCount; ++i) {
+        if (signalOrder[i] == signal) {
+            m_pendingSignals |= 1u << i;
+            return;
+        }
+    }
+}
+
+void TimerEngine::flushChanges()
+{
+    // An operation that moved the list or the active id without refreshing still publishes
+    // a consistent state.
+    if (recomputeDerived()) {
+        notify(&TimerEngine::activeCueChanged);
+        notify(&TimerEngine::clockChanged);
+    }
+    // A handler may run another operation, which notifies on its own before this loop goes on.
+    while (m_pendingSignals || m_pendingHook) {
+        const quint32 signalsToEmit = std::exchange(m_pendingSignals, 0);
+        const bool callHook = std::exchange(m_pendingHook, false);
+        for (int i = 0; i < signalCount; ++i) {
+            if (signalsToEmit & (1u << i))
+                emit(this->*signalOrder[i])();
+        }
+        if (callHook && m_onStateChange)
+            m_onStateChange(snapshot());
+    }
+    // Time the observers spent may have changed the shown second: a tick comes at once then.
+    armTicker();
 }
 
 // ---- QML-facing forms ---------------------------------------------------------------------
@@ -160,10 +224,11 @@ QVariant TimerEngine::doorsTargetVariant() const
 
 void TimerEngine::setSelectedCueIndex(std::optional<int> index)
 {
+    const Batch batch(*this);
     if (m_selectedCueIndex == index)
         return;
     m_selectedCueIndex = index;
-    emit selectedCueIndexChanged();
+    notify(&TimerEngine::selectedCueIndexChanged);
     refreshDerived();
 }
 
@@ -177,9 +242,10 @@ void TimerEngine::setActiveCueID(std::optional<QUuid> id)
 
 void TimerEngine::setFlag(bool &flag, bool on, void (TimerEngine::*changed)())
 {
+    const Batch batch(*this);
     if (flag != on) {
         flag = on;
-        emit(this->*changed)();
+        notify(changed);
     }
 }
 
@@ -209,8 +275,8 @@ void TimerEngine::setRunState(bool running, bool paused)
         return;
     m_isRunning = running;
     m_isPaused = paused;
-    emit runStateChanged();
-    emit clockChanged(); // the day's remaining duration counts the live cue only while running
+    notify(&TimerEngine::runStateChanged);
+    notify(&TimerEngine::clockChanged); // the day's remaining duration counts the live cue only while running
 }
 
 // ---- State hook ---------------------------------------------------------------------------
@@ -242,8 +308,8 @@ TimerStateSnapshot TimerEngine::snapshot() const
 
 void TimerEngine::notifyStateChange()
 {
-    if (m_onStateChange)
-        m_onStateChange(snapshot());
+    const Batch batch(*this);
+    m_pendingHook = true;
 }
 
 void TimerEngine::postJob(std::function<void()> job)

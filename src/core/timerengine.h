@@ -5,6 +5,7 @@
 #include "cue.h"
 #include "cuelogentry.h"
 #include "cuetemplate.h"
+#include "livestate.h"
 #include "presetmessage.h"
 #include "timersession.h"
 #include "timerstatesnapshot.h"
@@ -27,6 +28,11 @@
 // Everything runs on the thread that owns it, the main thread. Operations never report
 // errors: an index out of range, an unknown id, an empty undo stack or a locked show makes
 // them do nothing.
+//
+// An operation emits its signals, and calls the state hook, only once it is over, each signal
+// once, with every derived value (the active index, the next cue, the day's durations)
+// recomputed: an observer, whatever it reads inside its handler, never sees a state half
+// changed. An observer may call operations from its handler; each runs and notifies in turn.
 //
 // Time comes from the injected clock. The elapsed time of a cue is measured on the monotonic
 // clock, so a step of the wall clock (an NTP correction, the operator setting the time) never
@@ -102,7 +108,11 @@ public:
     double remaining() const { return m_remaining; }  // seconds, negative in overtime
     double elapsed() const { return m_elapsed; }      // seconds, pauses excluded
     double plannedDuration() const { return m_plannedDuration; }
-    double totalOvertime() const { return m_totalOvertime; }
+    // The overtime of the cues left, and that of the cue running now.
+    double totalOvertime() const
+    {
+        return m_loggedOvertime + (m_isRunning && m_remaining < 0 ? -m_remaining : 0.0);
+    }
     double remainingDayDuration() const;
     QDateTime projectedDayEnd() const;
     std::optional<QString> currentMessage() const { return m_currentMessage; }
@@ -160,6 +170,12 @@ public:
     // the running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
 
+    // What the recovery file keeps of the show now (its outputs aside).
+    LiveState liveState() const;
+    // Puts the loaded show back where `state` left it: a running cue has run on in wall-clock
+    // time since, a paused one stands at its value; the thresholds already passed stay silent.
+    void resumeLiveState(const LiveState &state);
+
     // Calls the state hook with a fresh snapshot. Operations call it themselves; the flags set
     // directly (blackout, clock mode) do not, so whoever sets them tells remote control here.
     void notifyStateChange();
@@ -208,6 +224,16 @@ signals:
     void undoStateChanged();
 
 private:
+    class Batch;
+    friend class Batch;
+    using Signal = void (TimerEngine::*)();
+    // Records a signal to emit when the outermost running operation ends.
+    void notify(Signal signal);
+    // Emits what the operations recorded, then calls the state hook if one asked for it.
+    void flushChanges();
+    // Recomputes the cached active index and the day's remaining durations; true if either moved.
+    bool recomputeDerived();
+
     // QML-facing forms of the optional values.
     int selectedCueRow() const { return m_selectedCueIndex.value_or(-1); }
     void setSelectedCueRow(int row);
@@ -251,7 +277,8 @@ private:
     void clampSelection();
     void leaveRemovedActiveCue(const Cue &removed);
     void restoreFrom(QList<QList<Cue>> &from, QList<QList<Cue>> &to);
-    void refreshDerived(); // the cached active index and the day's remaining durations
+    // recomputeDerived, then records the active cue and the clock as changed
+    void refreshDerived();
     void setActiveCueID(std::optional<QUuid> id);
 
     Clock &m_clock;
@@ -288,7 +315,6 @@ private:
     bool m_firedWarning = false;
     bool m_firedDanger = false;
     bool m_firedZero = false;
-    double m_totalOvertime = 0;
     QList<CueLogEntry> m_completedCueLog;
     QList<CueTemplate> m_templates;
 
@@ -298,7 +324,28 @@ private:
     std::optional<qint64> m_pauseStartedUs; // monotonic, µs
     std::optional<qint64> m_hardOutTargetMs; // wall clock, ms since the epoch
     double m_loggedOvertime = 0;
+    int m_batchDepth = 0;      // operations running, nested
+    quint32 m_pendingSignals = 0; // one bit per signal, in the order they are emitted
+    bool m_pendingHook = false;
+
     // Changes each time the clock is loaded or stopped, so that a follow-on job scheduled for
     // one run of a cue does nothing once that run is over.
     quint64 m_clockRun = 0;
+};
+
+// Holds back the signals of an operation until the outermost running operation ends.
+class TimerEngine::Batch
+{
+public:
+    explicit Batch(TimerEngine &engine) : m_engine(engine) { ++m_engine.m_batchDepth; }
+    ~Batch()
+    {
+        if (--m_engine.m_batchDepth == 0)
+            m_engine.flushChanges();
+    }
+    Batch(const Batch &) = delete;
+    Batch &operator=(const Batch &) = delete;
+
+private:
+    TimerEngine &m_engine;
 };

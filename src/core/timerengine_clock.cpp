@@ -33,8 +33,7 @@ void TimerEngine::refreshClock(qint64 monotonicUs, qint64 wallMs)
     if (!m_cueStartUs)
         return;
     liveClock(monotonicUs, wallMs, m_elapsed, m_remaining);
-    m_totalOvertime = m_loggedOvertime + (m_remaining < 0 ? -m_remaining : 0.0);
-    emit clockChanged();
+    notify(&TimerEngine::clockChanged);
 }
 
 void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monotonicUs)
@@ -57,7 +56,7 @@ void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monoton
                                     : m_plannedDuration;
     ++m_clockRun;
     clearAlertLatches();
-    emit clockChanged();
+    notify(&TimerEngine::clockChanged);
 }
 
 void TimerEngine::clearAlertLatches()
@@ -139,6 +138,7 @@ void TimerEngine::armTicker()
 
 void TimerEngine::tick()
 {
+    const Batch batch(*this);
     runTick();
     armTicker();
 }
@@ -156,7 +156,7 @@ void TimerEngine::runTick()
             if (!m_session.cues.isEmpty())
                 postJob([this] { start(0); });
         }
-        emit doorsChanged();
+        notify(&TimerEngine::doorsChanged);
         doorsMoved = true;
     }
 

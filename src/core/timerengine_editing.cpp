@@ -20,8 +20,8 @@ void TimerEngine::cuesEdited()
 {
     m_session.updatedAt = m_clock.now();
     refreshDerived();
-    emit sessionChanged();
-    emit undoStateChanged();
+    notify(&TimerEngine::sessionChanged);
+    notify(&TimerEngine::undoStateChanged);
 }
 
 void TimerEngine::clampSelection()
@@ -30,7 +30,7 @@ void TimerEngine::clampSelection()
         m_selectedCueIndex = m_session.cues.isEmpty()
                                  ? std::nullopt
                                  : std::optional(int(m_session.cues.size()) - 1);
-        emit selectedCueIndexChanged();
+        notify(&TimerEngine::selectedCueIndexChanged);
         refreshDerived();
     }
 }
@@ -52,6 +52,7 @@ void TimerEngine::addCue()
 
 void TimerEngine::addCue(const Cue &cue)
 {
+    const Batch batch(*this);
     if (m_showLocked)
         return;
     pushUndo();
@@ -71,6 +72,7 @@ void TimerEngine::addCue(const CueTemplate &from)
 
 void TimerEngine::updateCue(const Cue &cue)
 {
+    const Batch batch(*this);
     // Allowed while the show is locked: fixing a typo in a running show is not editing the
     // running order. A changed length or threshold of the running cue applies from its next
     // start or reset; thresholds apply to the alerts from the next tick.
@@ -87,6 +89,7 @@ void TimerEngine::updateCue(const Cue &cue)
 
 void TimerEngine::moveCue(int from, int offset)
 {
+    const Batch batch(*this);
     if (m_showLocked || offset == 0)
         return;
     const qint64 to = qint64(from) + offset;
@@ -100,6 +103,7 @@ void TimerEngine::moveCue(int from, int offset)
 
 void TimerEngine::deleteCue(int at)
 {
+    const Batch batch(*this);
     if (m_showLocked || at < 0 || at >= m_session.cues.size())
         return;
     pushUndo();
@@ -124,6 +128,7 @@ void TimerEngine::redo()
 
 void TimerEngine::restoreFrom(QList<QList<Cue>> &from, QList<QList<Cue>> &to)
 {
+    const Batch batch(*this);
     // Only the recording of a new step trims the stacks to 50.
     if (from.isEmpty())
         return;
@@ -147,6 +152,7 @@ void TimerEngine::clampIndices(const QList<Cue> &previousCues)
 
 void TimerEngine::updateProjectInfo(const TimerSession &edited)
 {
+    const Batch batch(*this);
     m_session.name = edited.name;
     m_session.client = edited.client;
     m_session.venue = edited.venue;
@@ -154,5 +160,5 @@ void TimerEngine::updateProjectInfo(const TimerSession &edited)
     m_session.eventDate = edited.eventDate;
     m_session.notes = edited.notes;
     m_session.updatedAt = edited.updatedAt;
-    emit sessionChanged();
+    notify(&TimerEngine::sessionChanged);
 }

@@ -8,9 +8,10 @@
 
 void TimerEngine::sendMessage(const std::optional<QString> &text, bool urgent)
 {
+    const Batch batch(*this);
     m_currentMessage = text;
     m_messageUrgent = urgent;
-    emit messageChanged();
+    notify(&TimerEngine::messageChanged);
     if (m_soundsEnabled && urgent)
         m_sound.play(AlertSound::attention());
     notifyStateChange();
@@ -18,26 +19,28 @@ void TimerEngine::sendMessage(const std::optional<QString> &text, bool urgent)
 
 void TimerEngine::toggleFreeze()
 {
+    const Batch batch(*this);
     m_freeze = !m_freeze;
     if (m_freeze)
         m_frozenRemaining = m_remaining;
     // The clock keeps running underneath, so releasing shows the true time at once.
-    emit freezeChanged();
+    notify(&TimerEngine::freezeChanged);
     notifyStateChange();
 }
 
 void TimerEngine::triggerBlink(double duration)
 {
+    const Batch batch(*this);
     m_blinkTimer->stop();
     if (m_blinkActive) {
         // A second call ends the blink at once, silently.
         m_blinkActive = false;
-        emit blinkActiveChanged();
+        notify(&TimerEngine::blinkActiveChanged);
         notifyStateChange();
         return;
     }
     m_blinkActive = true;
-    emit blinkActiveChanged();
+    notify(&TimerEngine::blinkActiveChanged);
     if (m_soundsEnabled)
         m_sound.play(AlertSound::attention());
     notifyStateChange();
@@ -47,11 +50,12 @@ void TimerEngine::triggerBlink(double duration)
 
 void TimerEngine::startDoors(const QDateTime &at)
 {
+    const Batch batch(*this);
     const QDateTime now = m_clock.now();
     const QDateTime target = WallTime::resolveDoorsTarget(at, now, m_clock.timeZone());
     m_doorsTargetMs = target.toMSecsSinceEpoch();
     m_doorsRemaining = double(now.msecsTo(target)) / 1000.0;
-    emit doorsChanged();
+    notify(&TimerEngine::doorsChanged);
     // The countdown runs even when no cue does.
     startTicker();
     notifyStateChange();
@@ -65,9 +69,10 @@ void TimerEngine::startDoorsAt(QTime timeOfDay)
 
 void TimerEngine::cancelDoors()
 {
+    const Batch batch(*this);
     if (!m_doorsTargetMs)
         return;
     m_doorsTargetMs.reset();
-    emit doorsChanged();
+    notify(&TimerEngine::doorsChanged);
     notifyStateChange();
 }

@@ -6,6 +6,7 @@
 
 void TimerEngine::start(std::optional<int> cueIndex)
 {
+    const Batch batch(*this);
     const int index = cueIndex           ? *cueIndex
                       : m_selectedCueIndex ? *m_selectedCueIndex
                       : m_activeCueIndex   ? *m_activeCueIndex
@@ -21,7 +22,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
     m_activeCueID = cue.id;
     if (m_selectedCueIndex != index) {
         m_selectedCueIndex = index;
-        emit selectedCueIndexChanged();
+        notify(&TimerEngine::selectedCueIndexChanged);
     }
     refreshDerived();
 
@@ -33,6 +34,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
 
 void TimerEngine::pause()
 {
+    const Batch batch(*this);
     if (!m_isRunning)
         return;
     const qint64 monotonicUs = m_clock.monotonicUs();
@@ -59,6 +61,7 @@ void TimerEngine::pause()
 
 void TimerEngine::stop()
 {
+    const Batch batch(*this);
     if (m_isRunning)
         logActiveCue();
     halt();
@@ -74,6 +77,7 @@ void TimerEngine::halt()
 
 void TimerEngine::reset()
 {
+    const Batch batch(*this);
     const Cue *cue = activeCuePtr();
     if (!cue)
         return;
@@ -86,6 +90,7 @@ void TimerEngine::reset()
 
 void TimerEngine::next()
 {
+    const Batch batch(*this);
     const std::optional<int> base = baseIndex();
     if (!base)
         start(0);
@@ -97,6 +102,7 @@ void TimerEngine::next()
 
 void TimerEngine::previous()
 {
+    const Batch batch(*this);
     const std::optional<int> base = baseIndex();
     if (base && *base >= 1)
         start(*base - 1);
@@ -104,6 +110,7 @@ void TimerEngine::previous()
 
 void TimerEngine::adjust(double seconds)
 {
+    const Batch batch(*this);
     if (!activeCuePtr() || !std::isfinite(seconds))
         return;
     if (m_hardOutTargetMs)
@@ -113,7 +120,7 @@ void TimerEngine::adjust(double seconds)
     // Unclamped on purpose: a large cut shows its raw value until the next tick recomputes the
     // clock from the clamped planned length.
     m_remaining += seconds;
-    emit clockChanged();
+    notify(&TimerEngine::clockChanged);
     armTicker();
     notifyStateChange();
 }
@@ -125,15 +132,14 @@ void TimerEngine::logCue(const Cue &cue, std::optional<int> writeBackIndex)
         refreshClock(m_clock.monotonicUs(), m_clock.now().toMSecsSinceEpoch());
     const double overtime = m_remaining < 0 ? -m_remaining : 0.0;
     m_loggedOvertime += overtime;
-    m_totalOvertime = m_loggedOvertime;
     m_completedCueLog.append(CueLogEntry{cue.name, m_plannedDuration, m_elapsed, overtime});
-    emit completedCueLogChanged();
-    emit clockChanged();
+    notify(&TimerEngine::completedCueLogChanged);
+    notify(&TimerEngine::clockChanged);
     if (writeBackIndex) {
         Cue &logged = m_session.cues[*writeBackIndex];
         logged.actualElapsed = m_elapsed;
         logged.overtime = overtime;
-        emit sessionChanged();
+        notify(&TimerEngine::sessionChanged);
     }
 }
 
@@ -145,11 +151,12 @@ void TimerEngine::logActiveCue()
 
 void TimerEngine::loadSession(const TimerSession &session)
 {
+    const Batch batch(*this);
     stop();
     m_session = session;
     m_activeCueID.reset();
     m_selectedCueIndex = session.cues.isEmpty() ? std::nullopt : std::optional(0);
-    m_remaining = m_elapsed = m_totalOvertime = 0;
+    m_remaining = m_elapsed = m_plannedDuration = 0;
     m_loggedOvertime = 0;
     m_completedCueLog.clear();
     m_undoStack.clear();
@@ -160,17 +167,17 @@ void TimerEngine::loadSession(const TimerSession &session)
     m_doorsTargetMs.reset();
     m_showLocked = false;
 
-    emit sessionChanged();
-    emit selectedCueIndexChanged();
-    emit completedCueLogChanged();
-    emit undoStateChanged();
-    emit messageChanged();
-    emit blackoutChanged();
-    emit freezeChanged();
-    emit clockModeChanged();
-    emit blinkActiveChanged();
-    emit doorsChanged();
-    emit showLockedChanged();
+    notify(&TimerEngine::sessionChanged);
+    notify(&TimerEngine::selectedCueIndexChanged);
+    notify(&TimerEngine::completedCueLogChanged);
+    notify(&TimerEngine::undoStateChanged);
+    notify(&TimerEngine::messageChanged);
+    notify(&TimerEngine::blackoutChanged);
+    notify(&TimerEngine::freezeChanged);
+    notify(&TimerEngine::clockModeChanged);
+    notify(&TimerEngine::blinkActiveChanged);
+    notify(&TimerEngine::doorsChanged);
+    notify(&TimerEngine::showLockedChanged);
     refreshDerived();
     notifyStateChange();
 }

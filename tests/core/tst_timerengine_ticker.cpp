@@ -57,7 +57,8 @@ private slots:
         QObject::connect(&f.engine, &TimerEngine::activeCueChanged, [&] { f.clock.stall(2ms); });
         f.engine.start();
         QCOMPARE(f.engine.remaining(), 600.0);
-        QCOMPARE(f.clock.nextDeadline(), std::optional<qint64>(f.clock.monotonicMs()));
+        // A tick is due now, or already overdue.
+        QVERIFY(f.clock.nextDeadline().value() <= f.clock.monotonicMs());
         f.clock.jump(0ms);
         QCOMPARE(TimerEngine::format(f.engine.remaining(), true), QStringLiteral("09:59"));
     }

@@ -3,6 +3,8 @@
 #include "reportexporter.h"
 #include "rundownpdfexporter.h"
 
+#include <utility>
+
 ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &store,
                                      AppFlowState &flow, ToastCenter &toasts,
                                      ScreenManager &screens, Clock &clock, Reveal reveal,
@@ -10,12 +12,8 @@ ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &st
     : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
       m_screens(screens), m_clock(clock), m_reveal(std::move(reveal))
 {
-    // Saved silently, errors ignored: a failing disk must never interrupt the show with toasts
-    // every 30 seconds; the operator's own save reports it.
-    m_autosave = m_clock.createTimer([this] {
-        m_store.save(m_engine.session());
-        m_autosave->start(autosaveMs);
-    });
+    m_autosave = m_clock.createTimer([this] { autosave(); });
+    connect(&m_engine, &TimerEngine::sessionChanged, this, &ConsoleController::showChanged);
     QQmlEngine::setObjectOwnership(&m_draft, QQmlEngine::CppOwnership);
     connect(&m_flow, &AppFlowState::stageChanged, this, &ConsoleController::followFlow);
     followFlow();
@@ -27,13 +25,55 @@ void ConsoleController::followFlow()
 {
     if (m_flow.stage() != AppFlowState::Workspace)
         m_autosave->stop();
-    else if (!m_autosave->isActive())
-        m_autosave->start(autosaveMs);
 }
 
-bool ConsoleController::saveProject()
+void ConsoleController::showChanged()
 {
-    return save(QStringLiteral("Projet sauvegardé"));
+    if (m_flow.stage() == AppFlowState::Workspace && !m_autosave->isActive())
+        m_autosave->start(autosaveDelayMs);
+}
+
+void ConsoleController::autosave()
+{
+    if (m_flow.stage() != AppFlowState::Workspace)
+        return;
+    if (m_disk.isBusy()) {
+        m_autosaveAgain = true; // saved again once this write is over
+        return;
+    }
+    saveInBackground([this](const QString &error) {
+        // Silent while it works; a failing disk is told once, not at every change.
+        if (!error.isEmpty() && !m_autosaveFailing)
+            m_toasts.showError(QStringLiteral("Échec de sauvegarde automatique : ") + error);
+        m_autosaveFailing = !error.isEmpty();
+        if (std::exchange(m_autosaveAgain, false))
+            autosave();
+    });
+}
+
+void ConsoleController::saveInBackground(DiskWorker::Done done)
+{
+    // The show as it stands now: the copy shares the engine's data until the engine changes it.
+    const SessionStore *store = &m_store;
+    m_disk.post(
+        [store, session = m_engine.session()] {
+            QString error;
+            store->save(session, &error);
+            return error;
+        },
+        std::move(done));
+}
+
+void ConsoleController::saveProject()
+{
+    save(QStringLiteral("Projet sauvegardé"));
+}
+
+bool ConsoleController::saveBeforeQuit()
+{
+    m_autosave->stop();
+    m_disk.waitForDone();
+    return bool(m_store.save(m_engine.session()));
 }
 
 void ConsoleController::saveProjectInfo(const QVariant &session)
@@ -44,15 +84,14 @@ void ConsoleController::saveProjectInfo(const QVariant &session)
     save(QStringLiteral("Fiche projet mise à jour"));
 }
 
-bool ConsoleController::save(const QString &success)
+void ConsoleController::save(const QString &success)
 {
-    QString error;
-    if (!m_store.save(m_engine.session(), &error)) {
-        m_toasts.showError(QStringLiteral("Échec de sauvegarde : ") + error);
-        return false;
-    }
-    m_toasts.showSuccess(success);
-    return true;
+    saveInBackground([this, success](const QString &error) {
+        if (error.isEmpty())
+            m_toasts.showSuccess(success);
+        else
+            m_toasts.showError(QStringLiteral("Échec de sauvegarde : ") + error);
+    });
 }
 
 void ConsoleController::backToProjects()

@@ -3,6 +3,7 @@
 #include "appflowstate.h"
 #include "clock.h"
 #include "cuedraft.h"
+#include "diskworker.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
 #include "timerengine.h"
@@ -16,7 +17,10 @@
 
 // The console's verbs: each operator action is one call here, which runs the engine operation,
 // the save or the export and reports the outcome as a toast. While the console is shown the
-// project is saved silently every 30 seconds.
+// project is saved silently within a second of each change of the show.
+//
+// Saves are encoded and written on a thread of their own (a show of 100,000 cues takes
+// seconds to write): the clock and the windows never wait on the disk.
 class ConsoleController : public QObject
 {
     Q_OBJECT
@@ -31,7 +35,8 @@ class ConsoleController : public QObject
     Q_PROPERTY(int doorsMinute READ doorsMinute NOTIFY doorsProposalChanged FINAL)
 
 public:
-    static constexpr qint64 autosaveMs = 30'000;
+    // From the first change of the show to its save; later changes do not push it back.
+    static constexpr qint64 autosaveDelayMs = 1'000;
     static constexpr qint64 stageMoveDelayMs = 500; // lets the stage window show before it moves
 
     // Shows an exported file to the operator (in the file manager).
@@ -58,8 +63,13 @@ public:
     // the open show, which is saved: "Fiche projet mise à jour", or "Échec de sauvegarde : …".
     Q_INVOKABLE void saveProjectInfo(const QVariant &session);
 
-    // Saves with a toast: "Projet sauvegardé", or "Échec de sauvegarde : " and the reason.
-    Q_INVOKABLE bool saveProject();
+    // Saves with a toast once written: "Projet sauvegardé", or "Échec de sauvegarde : " and
+    // the reason.
+    Q_INVOKABLE void saveProject();
+    // Saves the open show before the program quits, waiting for the write. False on failure.
+    bool saveBeforeQuit();
+    // Whether a save is being written.
+    bool isSaving() const { return m_disk.isBusy(); }
     // Saves (with its toast), stops the engine and goes back to the project library.
     Q_INVOKABLE void backToProjects();
     Q_INVOKABLE void exportReport();
@@ -98,7 +108,10 @@ signals:
     void doorsProposalChanged();
 
 private:
-    bool save(const QString &success);
+    void save(const QString &success);
+    void autosave();
+    void saveInBackground(DiskWorker::Done done);
+    void showChanged();
     void notifyRemote(); // a fresh snapshot to the state hook, for remote control
     void followFlow();
 
@@ -110,6 +123,9 @@ private:
     Clock &m_clock;
     Reveal m_reveal;
     std::unique_ptr<ClockTimer> m_autosave;
+    DiskWorker m_disk;
+    bool m_autosaveAgain = false; // a change came while a save was being written
+    bool m_autosaveFailing = false; // told once, until a save succeeds again
     std::unique_ptr<ClockTimer> m_stageMove;
     CueDraft m_draft;
     int m_doorsHour = 0;

@@ -325,7 +325,7 @@ private slots:
         QCOMPARE(c.engine.session().name, QStringLiteral("Gala des lumières"));
         QVERIFY(c.engine.isRunning()); // the show goes on
         QCOMPARE(c.engine.activeCueIndex(), std::optional(1));
-        QCOMPARE(c.toasts.text(), QStringLiteral("Fiche projet mise à jour"));
+        QTRY_COMPARE(c.toasts.text(), QStringLiteral("Fiche projet mise à jour")); // once written
         QCOMPARE(c.store.read(c.savedFile())->client, std::optional(QStringLiteral("Orchestre")));
         QTRY_VERIFY(c.text("projectSummary").startsWith(QStringLiteral("Orchestre")));
     }
@@ -478,7 +478,8 @@ private slots:
         c.click("backToProjects");
         QCOMPARE(c.flow.stage(), AppFlowState::Sessions);
         QVERIFY(!c.engine.isRunning());
-        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        // Written in the background: the toast tells when it is on disk.
+        QTRY_COMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
         const std::optional<TimerSession> saved = c.store.read(c.savedFile());
         QVERIFY(saved);
         QCOMPARE(saved->cues.size(), 2);
@@ -491,12 +492,13 @@ private slots:
     {
         Console c({durationCue("Intro", 600)});
         c.click("saveProject");
-        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        QTRY_COMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
         QVERIFY(QFileInfo::exists(c.savedFile()));
         QVERIFY(QFile::remove(c.savedFile()));
         QVERIFY(QDir().mkpath(c.savedFile())); // a folder where the file goes
+        c.toasts.dismiss();
         QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
-        QVERIFY(c.toasts.current());
+        QTRY_VERIFY(c.toasts.current());
         QCOMPARE(c.toasts.current()->kind, ToastMessage::Error);
         QVERIFY2(c.toasts.text().startsWith(QStringLiteral("Échec de sauvegarde : ")), qPrintable(c.toasts.text()));
         QVERIFY(c.toasts.text().size() > QStringLiteral("Échec de sauvegarde : ").size());
@@ -506,20 +508,33 @@ private slots:
     {
         Console c({durationCue("Intro", 600)});
         c.engine.addCue();
-        c.clock.advance(29999ms);
+        c.clock.advance(999ms);
         QVERIFY(!QFileInfo::exists(c.savedFile()));
-        c.clock.advance(1ms);
-        QVERIFY(QFileInfo::exists(c.savedFile()));
-        QCOMPARE(c.store.read(c.savedFile())->cues.size(), 2);
+        c.clock.advance(1ms); // a second after the change, written in the background
+        QTRY_VERIFY(QFileInfo::exists(c.savedFile()));
+        QTRY_COMPARE(c.store.read(c.savedFile())->cues.size(), 2);
         QVERIFY(!c.toasts.showing());
+        // A burst of edits is saved a second after its first, then once more for the rest.
         c.engine.addCue();
-        c.clock.advance(30s);
-        QCOMPARE(c.store.read(c.savedFile())->cues.size(), 3);
+        c.clock.advance(600ms);
+        c.engine.addCue();
+        c.clock.advance(400ms);
+        QTRY_COMPARE(c.store.read(c.savedFile())->cues.size(), 4);
+        c.engine.addCue();
+        c.clock.advance(1s);
+        QTRY_COMPARE(c.store.read(c.savedFile())->cues.size(), 5);
+        // The times written back when a cue is left are saved the same way.
+        c.engine.start(0);
+        c.clock.advance(2s);
+        c.engine.stop();
+        c.clock.advance(1s);
+        QTRY_VERIFY(c.store.read(c.savedFile())->cues[0].actualElapsed);
         // Away from the console, nothing more is written.
         c.flow.setStage(AppFlowState::Sessions);
         c.engine.addCue();
         c.clock.advance(60s);
-        QCOMPARE(c.store.read(c.savedFile())->cues.size(), 3);
+        QVERIFY(!c.console.isSaving());
+        QCOMPARE(c.store.read(c.savedFile())->cues.size(), 5);
     }
 
     void theExportsLandInTheReportsFolder()

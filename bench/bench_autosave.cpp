@@ -1,0 +1,80 @@
+// How long the main thread waits on the saves of a show of 100,000 cues (60 MB): the console's
+// autosave after an edit, and the operator's Ctrl+S. A 1 ms timer measures the longest gap in
+// the event loop while the saves are written; a frame waits at most that long.
+//   bench_autosave [CUES]   (100000 by default)
+#include "appflowstate.h"
+#include "benchsupport.h"
+#include "consolecontroller.h"
+#include "screenmanager.h"
+#include "sessionstore.h"
+#include "systemclock.h"
+#include "timerengine.h"
+#include "toastcenter.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <QTimer>
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir home;
+    qputenv("HOME", home.path().toUtf8());
+    qunsetenv("XDG_DATA_HOME");
+    QGuiApplication app(argc, argv);
+    const int cues = argc > 1 ? std::atoi(argv[1]) : 100'000;
+
+    SystemClock clock;
+    SilentPlayer sound;
+    TimerEngine engine(clock, sound);
+    TimerSession show;
+    for (int i = 0; i < cues; ++i) {
+        Cue cue;
+        cue.name = QStringLiteral("Intervention %1 — table ronde des partenaires").arg(i + 1);
+        cue.speaker = QStringLiteral("Intervenant %1").arg(i + 1);
+        cue.notes = QStringLiteral("Micro HF 3, pupitre côté jardin, lumière douche.");
+        show.cues << cue;
+    }
+    engine.loadSession(show);
+    AppFlowState flow;
+    flow.setStage(AppFlowState::Workspace);
+    ToastCenter toasts(clock);
+    SessionStore store(clock);
+    ScreenManager screens(clock);
+    ConsoleController console(engine, store, flow, toasts, screens, clock, {});
+    engine.start(0);
+
+    // The event loop's longest wait, from a timer due every millisecond.
+    qint64 longestGapNs = 0, lastNs = steadyNs();
+    QTimer probe;
+    probe.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&probe, &QTimer::timeout, [&] {
+        const qint64 now = steadyNs();
+        longestGapNs = std::max(longestGapNs, now - lastNs);
+        lastNs = now;
+    });
+    probe.start(1);
+
+    const auto measure = [&](const char *what, auto action) {
+        QElapsedTimer total;
+        total.start();
+        longestGapNs = 0;
+        lastNs = steadyNs();
+        action();
+        // Until the save is on disk, with edits going on meanwhile.
+        while (console.isSaving() || total.elapsed() < 1500) {
+            app.processEvents(QEventLoop::AllEvents, 5);
+            if (total.elapsed() % 200 < 2)
+                engine.adjust(1);
+        }
+        std::printf("%-28s on disk in %6.0f ms, the event loop waited at most %6.1f ms\n", what,
+                    double(total.nsecsElapsed()) / 1e6, double(longestGapNs) / 1e6);
+    };
+    measure("autosave after an edit", [&] { engine.addCue(); });
+    measure("Ctrl+S", [&] { console.saveProject(); });
+    const QString file = QDir(store.folder()).filePath(QDir(store.folder()).entryList(QDir::Files).value(0));
+    std::printf("project file: %.1f MB, %d cues\n", double(QFileInfo(file).size()) / 1e6, cues + 1);
+    return 0;
+}

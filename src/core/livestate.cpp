@@ -1,0 +1,160 @@
+#include "livestate.h"
+
+#include "uuidtext.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cmath>
+
+namespace {
+
+constexpr int formatVersion = 1;
+
+QJsonValue optionalNumber(const std::optional<qint64> &value)
+{
+    return value ? QJsonValue(double(*value)) : QJsonValue();
+}
+
+std::optional<qint64> readOptionalNumber(const QJsonValue &value)
+{
+    return value.isDouble() ? std::optional(qint64(std::llround(value.toDouble()))) : std::nullopt;
+}
+
+} // namespace
+
+double LiveState::elapsedAt(qint64 wallMs) const
+{
+    return running && !paused ? elapsed + double(wallMs - capturedAtMs) / 1000.0 : elapsed;
+}
+
+bool LiveState::sameAs(const LiveState &other) const
+{
+    LiveState a = *this, b = other;
+    // A running cue's clock is compared by the instant it started, to a quarter of a second.
+    const double startA = double(a.capturedAtMs) / 1000.0 - a.elapsed;
+    const double startB = double(b.capturedAtMs) / 1000.0 - b.elapsed;
+    const bool runningOn = a.running && !a.paused && b.running && !b.paused;
+    if (runningOn && std::fabs(startA - startB) >= 0.25)
+        return false;
+    if (runningOn)
+        a.remaining = b.remaining; // moves with the clock
+    a.capturedAtMs = b.capturedAtMs;
+    if (runningOn)
+        a.elapsed = b.elapsed;
+    return a == b;
+}
+
+namespace LiveStateFile {
+
+QByteArray encode(const LiveState &s)
+{
+    QJsonArray log;
+    for (const CueLogEntry &entry : s.completedCueLog)
+        log.append(QJsonObject{{"cue", entry.cue},
+                               {"planned", entry.planned},
+                               {"actual", entry.actual},
+                               {"overtime", entry.overtime}});
+    QJsonArray outputs;
+    for (const LiveState::Output &output : s.outputs)
+        outputs.append(QJsonObject{{"window", output.window},
+                                   {"screen", output.screen},
+                                   {"fullScreen", output.fullScreen}});
+    const QJsonObject root{
+        {"version", formatVersion},
+        {"session", UuidText::canonical(s.sessionID)},
+        {"activeCue", s.activeCueID ? QJsonValue(UuidText::canonical(*s.activeCueID)) : QJsonValue()},
+        {"activeCueIndex", s.activeCueIndex ? QJsonValue(*s.activeCueIndex) : QJsonValue()},
+        {"selectedCue", s.selectedCueIndex ? QJsonValue(*s.selectedCueIndex) : QJsonValue()},
+        {"running", s.running},
+        {"paused", s.paused},
+        {"elapsed", s.elapsed},
+        {"remaining", s.remaining},
+        {"plannedDuration", s.plannedDuration},
+        {"hardOutTarget", optionalNumber(s.hardOutTargetMs)},
+        {"pausedSince", optionalNumber(s.pausedSinceMs)},
+        {"capturedAt", double(s.capturedAtMs)},
+        {"log", log},
+        {"loggedOvertime", s.loggedOvertime},
+        {"message", s.message ? QJsonValue(*s.message) : QJsonValue()},
+        {"messageUrgent", s.messageUrgent},
+        {"blackout", s.blackout},
+        {"freeze", s.freeze},
+        {"frozenRemaining", s.frozenRemaining},
+        {"clockMode", s.clockMode},
+        {"doorsTarget", optionalNumber(s.doorsTargetMs)},
+        {"showLocked", s.showLocked},
+        {"outputs", outputs},
+    };
+    return QJsonDocument(root).toJson(QJsonDocument::Compact);
+}
+
+std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
+{
+    const auto fail = [error](const QString &reason) -> std::optional<LiveState> {
+        if (error)
+            *error = reason;
+        return std::nullopt;
+    };
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
+    if (!document.isObject())
+        return fail(QStringLiteral("contenu illisible"));
+    const QJsonObject o = document.object();
+    if (o.value("version").toInt() != formatVersion)
+        return fail(QStringLiteral("version inconnue"));
+    const std::optional<QUuid> session = UuidText::parse(o.value("session").toString());
+    if (!session)
+        return fail(QStringLiteral("projet non indiqué"));
+
+    LiveState s;
+    s.sessionID = *session;
+    if (o.value("activeCue").isString()) {
+        s.activeCueID = UuidText::parse(o.value("activeCue").toString());
+        if (!s.activeCueID)
+            return fail(QStringLiteral("cue actif illisible"));
+    }
+    if (o.value("activeCueIndex").isDouble())
+        s.activeCueIndex = o.value("activeCueIndex").toInt();
+    if (o.value("selectedCue").isDouble())
+        s.selectedCueIndex = o.value("selectedCue").toInt();
+    s.running = o.value("running").toBool();
+    s.paused = s.running && o.value("paused").toBool();
+    s.elapsed = o.value("elapsed").toDouble();
+    s.remaining = o.value("remaining").toDouble();
+    s.plannedDuration = o.value("plannedDuration").toDouble();
+    s.hardOutTargetMs = readOptionalNumber(o.value("hardOutTarget"));
+    s.pausedSinceMs = readOptionalNumber(o.value("pausedSince"));
+    s.capturedAtMs = qint64(std::llround(o.value("capturedAt").toDouble()));
+    for (const QJsonValue &value : o.value("log").toArray()) {
+        const QJsonObject entry = value.toObject();
+        s.completedCueLog.append(CueLogEntry{entry.value("cue").toString(),
+                                             entry.value("planned").toDouble(),
+                                             entry.value("actual").toDouble(),
+                                             entry.value("overtime").toDouble()});
+    }
+    s.loggedOvertime = o.value("loggedOvertime").toDouble();
+    if (o.value("message").isString())
+        s.message = o.value("message").toString();
+    s.messageUrgent = o.value("messageUrgent").toBool();
+    s.blackout = o.value("blackout").toBool();
+    s.freeze = o.value("freeze").toBool();
+    s.frozenRemaining = o.value("frozenRemaining").toDouble();
+    s.clockMode = o.value("clockMode").toBool();
+    s.doorsTargetMs = readOptionalNumber(o.value("doorsTarget"));
+    s.showLocked = o.value("showLocked").toBool();
+    for (const QJsonValue &value : o.value("outputs").toArray()) {
+        const QJsonObject output = value.toObject();
+        s.outputs.append({output.value("window").toString(), output.value("screen").toString(),
+                          output.value("fullScreen").toBool()});
+    }
+    const bool finite = std::isfinite(s.elapsed) && std::isfinite(s.remaining)
+                        && std::isfinite(s.plannedDuration) && std::isfinite(s.loggedOvertime)
+                        && std::isfinite(s.frozenRemaining);
+    if (!finite || (s.paused && !s.pausedSinceMs))
+        return fail(QStringLiteral("horloge illisible"));
+    return s;
+}
+
+} // namespace LiveStateFile

@@ -1,0 +1,142 @@
+#include "showrecovery.h"
+
+#include "userfolders.h"
+#include "uuidtext.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMetaMethod>
+#include <QStandardPaths>
+
+ShowRecovery::ShowRecovery(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
+                           ToastCenter &toasts, const QString &filePath, QObject *parent)
+    : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
+      m_path(filePath)
+{
+    // Every signal of the engine may change the live state; a capture compares and writes
+    // only a real change, so the ticks of a running clock write nothing.
+    const QMetaObject *meta = m_engine.metaObject();
+    const QMetaMethod onChange = metaObject()->method(metaObject()->indexOfMethod("scheduleCapture()"));
+    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+        if (meta->method(i).methodType() == QMetaMethod::Signal)
+            connect(&m_engine, meta->method(i), this, onChange);
+    }
+    connect(&m_flow, &AppFlowState::stageChanged, this, [this] {
+        if (m_flow.stage() == AppFlowState::Sessions)
+            showClosed();
+        else
+            scheduleCapture();
+    });
+}
+
+ShowRecovery::~ShowRecovery() = default;
+
+QString ShowRecovery::defaultPath()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    return QDir(folder).filePath(QStringLiteral("recovery.json"));
+}
+
+bool ShowRecovery::resumeIfInterrupted(const std::optional<QString> &requestedProject)
+{
+    QFile file(m_path);
+    if (!file.exists())
+        return false;
+    if (!file.open(QIODevice::ReadOnly)) {
+        setAside(file.errorString());
+        return false;
+    }
+    QString error;
+    const std::optional<LiveState> state = LiveStateFile::decode(file.readAll(), &error);
+    file.close();
+    if (!state) {
+        setAside(error);
+        return false;
+    }
+    // The show is saved in the library under its id; until its first save it is only where it
+    // was opened from, which the command line names again.
+    if (requestedProject) {
+        const std::optional<TimerSession> requested = m_store.read(*requestedProject);
+        if (!requested || requested->id != state->sessionID) {
+            setAside(QStringLiteral("un autre projet a été ouvert"));
+            return false;
+        }
+    }
+    QString project = QDir(m_store.folder())
+                          .filePath(UuidText::canonical(state->sessionID) + u'.' + SessionStore::extension);
+    if (!QFileInfo::exists(project) && requestedProject)
+        project = *requestedProject;
+    const std::optional<TimerSession> session = m_store.read(project, &error);
+    if (!session) {
+        setAside(error);
+        return false;
+    }
+
+    m_engine.loadSession(*session);
+    m_engine.resumeLiveState(*state);
+    m_outputsToReopen = state->outputs;
+    // Straight to the console: the show is on.
+    m_flow.setStageAfterSplash(AppFlowState::Workspace);
+    m_flow.setStage(AppFlowState::Workspace);
+
+    QString where = QStringLiteral("aucun cue en cours");
+    if (const std::optional<int> index = m_engine.activeCueIndex()) {
+        const Cue &cue = m_engine.session().cues[*index];
+        const double remaining = m_engine.isRunning() ? m_engine.remaining() : state->remaining;
+        where = QStringLiteral("cue %1 « %2 » à %3")
+                    .arg(*index + 1)
+                    .arg(cue.name, TimerEngine::format(remaining, true));
+        if (m_engine.isPaused())
+            where += QStringLiteral(" (en pause)");
+    }
+    m_toasts.showInfo(QStringLiteral("Reprise après interruption : ") + where);
+    m_written = state;
+    scheduleCapture();
+    return true;
+}
+
+void ShowRecovery::setAside(const QString &reason)
+{
+    const QString aside = m_path + QStringLiteral(".illisible-")
+                          + QString::number(QDateTime::currentSecsSinceEpoch());
+    QFile::remove(aside);
+    QFile::rename(m_path, aside);
+    m_toasts.showError(QStringLiteral("Reprise impossible, fichier de reprise mis de côté : ") + reason);
+}
+
+void ShowRecovery::scheduleCapture()
+{
+    if (m_captureQueued)
+        return;
+    m_captureQueued = true;
+    QMetaObject::invokeMethod(this, &ShowRecovery::capture, Qt::QueuedConnection);
+}
+
+void ShowRecovery::capture()
+{
+    m_captureQueued = false;
+    if (m_flow.stage() != AppFlowState::Workspace)
+        return;
+    LiveState state = m_engine.liveState();
+    if (m_readOutputs)
+        state.outputs = m_readOutputs();
+    if (m_written && m_written->sameAs(state))
+        return;
+    m_written = state;
+    const QString path = m_path;
+    const QByteArray bytes = LiveStateFile::encode(state);
+    m_disk.post([path, bytes] {
+        QString error;
+        UserFolders::ensure(QFileInfo(path).path());
+        return UserFolders::writeAtomically(path, bytes, &error) ? QString() : error;
+    });
+}
+
+void ShowRecovery::showClosed()
+{
+    m_disk.waitForDone();
+    m_written.reset();
+    m_outputsToReopen.clear();
+    QFile::remove(m_path);
+}
