@@ -1,8 +1,10 @@
 #include "formatters.h"
 #include "fulldisk.h"
 #include "manualclock.h"
+#include "preferences.h"
 #include "reportexporter.h"
 #include "sessionstore.h"
+#include "settingssandbox.h"
 #include "temphome.h"
 #include "userfolders.h"
 #include "uuidtext.h"
@@ -159,6 +161,42 @@ private slots:
         const std::optional<QString> later = ReportExporter::exportCSV(s, log, 12.4, &error);
         QVERIFY2(later, qPrintable(error.description));
         QVERIFY(contents(*later).startsWith("RAPPORT DE SESSION — Kairon / Orv Audiovisual\nProjet;Gala\n"));
+    }
+
+    // The lock file QSettings takes before it writes needs a page of its own: with none left it
+    // stops there; with one left it goes on to the write itself, which must fail too.
+    void aSettingFailsAndKeepsTheSettingsFile_data()
+    {
+        QTest::addColumn<bool>("onePageLeft");
+        QTest::newRow("not a byte left") << false;
+        QTest::newRow("one page left, for the lock") << true;
+    }
+    void aSettingFailsAndKeepsTheSettingsFile()
+    {
+        QFETCH(bool, onePageLeft);
+        SettingsSandbox sandbox;
+        FullDisk disk(sandbox.path() + QStringLiteral("/KaironTests"));
+        FULL_DISK_OR_SKIP(disk);
+        const QString path = sandbox.path() + QStringLiteral("/KaironTests/Kairon.conf");
+        QVERIFY(Preferences::setOscSendHost(QStringLiteral("régie.local")));
+        const QByteArray before = contents(path);
+        QCOMPARE(before, QByteArray("[General]\noscSendHost=régie.local\n"));
+        disk.fill();
+        if (onePageLeft)
+            disk.leaveOnePage();
+
+        QString error;
+        QVERIFY(!Preferences::setOscListenPort(53000, &error));
+        QCOMPARE(error, cannotWrite(path));
+        QCOMPARE(contents(path), before);
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("Kairon.conf")});
+
+        // The refused value went out with the next write, once there was room.
+        disk.makeRoom();
+        QVERIFY(Preferences::setOscSendPort(9000, &error));
+        QCOMPARE(contents(path), QByteArray("[General]\noscListenPort=53000\noscSendHost=régie.local\n"
+                                            "oscSendPort=9000\n"));
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("Kairon.conf")});
     }
 };
 
