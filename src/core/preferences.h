@@ -46,6 +46,14 @@ public:
     static bool setWebPort(int port, QString *error = nullptr);
     static bool setWebInterface(const QString &address, QString *error = nullptr);
     static bool setWebAccessCode(const QString &code, QString *error = nullptr);
+    // Calls one of them and gives its outcome: "" when the value was stored, else why not.
+    template <typename Arg, typename Value>
+    static QString store(bool (*setter)(Arg, QString *), const Value &value)
+    {
+        QString error;
+        setter(value, &error);
+        return error;
+    }
 
     // A fresh access code: eight characters from an alphabet without the look-alikes 0/O and
     // 1/I, easy to read aloud and to type on a phone (32^8, about 10^12 codes).
