@@ -1,7 +1,8 @@
 #include "preferences.h"
 
+#include "settingsfile.h"
+
 #include <QRandomGenerator>
-#include <QSettings>
 
 #include <algorithm>
 
@@ -24,12 +25,14 @@ const QString webAccessCode = QStringLiteral("webAccessCode");
 
 QVariant read(const QString &key, const QVariant &whenNeverStored)
 {
-    return QSettings().value(key, whenNeverStored);
+    return SettingsFile().value(key, whenNeverStored);
 }
 
-void write(const QString &key, const QVariant &value)
+bool write(const QString &key, const QVariant &value, QString *error)
 {
-    QSettings().setValue(key, value);
+    SettingsFile settings;
+    settings.setValue(key, value);
+    return settings.save(error);
 }
 
 constexpr char codeAlphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
@@ -55,7 +58,7 @@ QString Preferences::webAccessCode()
     QString code = read(Key::webAccessCode, QString()).toString();
     if (code.isEmpty()) {
         code = makeWebAccessCode();
-        write(Key::webAccessCode, code);
+        write(Key::webAccessCode, code, nullptr);
     }
     return code;
 }
@@ -76,22 +79,69 @@ bool Preferences::isWebAccessCode(const QString &code)
            && std::all_of(code.cbegin(), code.cend(), [&](QChar c) { return alphabet.contains(c); });
 }
 
-void Preferences::setOscListenEnabled(bool on) { write(Key::oscListenEnabled, on); }
-void Preferences::setOscListenPort(int port) { write(Key::oscListenPort, port); }
-void Preferences::setOscSendEnabled(bool on) { write(Key::oscSendEnabled, on); }
-void Preferences::setOscSendHost(const QString &host) { write(Key::oscSendHost, host); }
-void Preferences::setOscSendPort(int port) { write(Key::oscSendPort, port); }
-void Preferences::setOscSendStateChanges(bool on) { write(Key::oscSendStateChanges, on); }
-void Preferences::setSplashDuration(double seconds) { write(Key::splashDuration, seconds); }
-void Preferences::setAlertOutputUID(const QString &uid) { write(Key::alertOutputUID, uid); }
-void Preferences::setWebEnabled(bool on) { write(Key::webEnabled, on); }
-void Preferences::setWebPort(int port) { write(Key::webPort, port); }
-void Preferences::setWebInterface(const QString &address) { write(Key::webInterface, address); }
-void Preferences::setWebAccessCode(const QString &code) { write(Key::webAccessCode, code); }
+bool Preferences::setOscListenEnabled(bool on, QString *error)
+{
+    return write(Key::oscListenEnabled, on, error);
+}
+
+bool Preferences::setOscListenPort(int port, QString *error)
+{
+    return write(Key::oscListenPort, port, error);
+}
+
+bool Preferences::setOscSendEnabled(bool on, QString *error)
+{
+    return write(Key::oscSendEnabled, on, error);
+}
+
+bool Preferences::setOscSendHost(const QString &host, QString *error)
+{
+    return write(Key::oscSendHost, host, error);
+}
+
+bool Preferences::setOscSendPort(int port, QString *error)
+{
+    return write(Key::oscSendPort, port, error);
+}
+
+bool Preferences::setOscSendStateChanges(bool on, QString *error)
+{
+    return write(Key::oscSendStateChanges, on, error);
+}
+
+bool Preferences::setSplashDuration(double seconds, QString *error)
+{
+    return write(Key::splashDuration, seconds, error);
+}
+
+bool Preferences::setAlertOutputUID(const QString &uid, QString *error)
+{
+    return write(Key::alertOutputUID, uid, error);
+}
+
+bool Preferences::setWebEnabled(bool on, QString *error)
+{
+    return write(Key::webEnabled, on, error);
+}
+
+bool Preferences::setWebPort(int port, QString *error)
+{
+    return write(Key::webPort, port, error);
+}
+
+bool Preferences::setWebInterface(const QString &address, QString *error)
+{
+    return write(Key::webInterface, address, error);
+}
+
+bool Preferences::setWebAccessCode(const QString &code, QString *error)
+{
+    return write(Key::webAccessCode, code, error);
+}
 
 Preferences::OscSettings Preferences::storedOscSettings()
 {
-    const QSettings settings;
+    const SettingsFile settings;
     OscSettings stored;
     stored.listenEnabled = settings.value(Key::oscListenEnabled, false).toBool();
     stored.listenPort = settings.value(Key::oscListenPort, 0).toInt();
@@ -111,7 +161,7 @@ Preferences::WebSettings Preferences::storedWebSettings()
 {
     WebSettings stored;
     {
-        const QSettings settings;
+        const SettingsFile settings;
         stored.enabled = settings.value(Key::webEnabled, false).toBool();
         stored.port = settings.value(Key::webPort, 0).toInt();
         stored.interfaceAddress = settings.value(Key::webInterface, QString()).toString();

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-// The user's persisted preferences (QSettings, in the platform's usual place).
+// The user's persisted preferences (QSettings, in the platform's usual place, written through
+// SettingsFile so that a disk that refuses them is noticed).
 //
 // Two ways to read them. The settings window shows a documented default while a key was never
 // stored (listen port 53100, send port 53101…). Every other reader gets the raw stored value,
@@ -31,18 +32,28 @@ public:
     // server always agree on it.
     static QString webAccessCode();
 
-    static void setOscListenEnabled(bool on);
-    static void setOscListenPort(int port);
-    static void setOscSendEnabled(bool on);
-    static void setOscSendHost(const QString &host);
-    static void setOscSendPort(int port);
-    static void setOscSendStateChanges(bool on);
-    static void setSplashDuration(double seconds);
-    static void setAlertOutputUID(const QString &uid);
-    static void setWebEnabled(bool on);
-    static void setWebPort(int port);
-    static void setWebInterface(const QString &address);
-    static void setWebAccessCode(const QString &code);
+    // Each setter stores its value at once. False, with "impossible d'écrire « file » (reason)"
+    // in `error`, when the disk refused it; the file then keeps the previous values.
+    static bool setOscListenEnabled(bool on, QString *error = nullptr);
+    static bool setOscListenPort(int port, QString *error = nullptr);
+    static bool setOscSendEnabled(bool on, QString *error = nullptr);
+    static bool setOscSendHost(const QString &host, QString *error = nullptr);
+    static bool setOscSendPort(int port, QString *error = nullptr);
+    static bool setOscSendStateChanges(bool on, QString *error = nullptr);
+    static bool setSplashDuration(double seconds, QString *error = nullptr);
+    static bool setAlertOutputUID(const QString &uid, QString *error = nullptr);
+    static bool setWebEnabled(bool on, QString *error = nullptr);
+    static bool setWebPort(int port, QString *error = nullptr);
+    static bool setWebInterface(const QString &address, QString *error = nullptr);
+    static bool setWebAccessCode(const QString &code, QString *error = nullptr);
+    // Calls one of them and gives its outcome: "" when the value was stored, else why not.
+    template <typename Arg, typename Value>
+    static QString store(bool (*setter)(Arg, QString *), const Value &value)
+    {
+        QString error;
+        setter(value, &error);
+        return error;
+    }
 
     // A fresh access code: eight characters from an alphabet without the look-alikes 0/O and
     // 1/I, easy to read aloud and to type on a phone (32^8, about 10^12 codes).

@@ -1,11 +1,15 @@
 #include "userfolders.h"
 
+#include "diskwrite.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
+
+#include <cerrno>
 
 namespace UserFolders {
 namespace {
@@ -47,12 +51,26 @@ bool ensure(const QString &path, QString *error)
 bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error)
 {
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return true;
+    QString reason;
+    errno = 0;
+    if (!file.open(QIODevice::WriteOnly)) {
+        // QSaveFile refuses a folder or a read-only file by itself, with no errno to read.
+        int cause = errno;
+        if (!cause) {
+            const QFileInfo existing(path);
+            cause = existing.isDir() ? EISDIR : existing.exists() ? EACCES : 0;
+        }
+        reason = DiskWrite::reason(cause, file.errorString());
+    } else if (DiskWrite::writeAll(file, bytes, &reason)) {
+        errno = 0;
+        if (file.commit())
+            return true;
+        reason = DiskWrite::reason(errno, file.errorString());
+    }
+    file.cancelWriting(); // the temporary goes, the previous file stays as it was
     if (error)
         *error = QStringLiteral("impossible d'écrire « %1 » (%2)")
-                     .arg(QDir::toNativeSeparators(path), file.errorString());
-    file.cancelWriting();
+                     .arg(QDir::toNativeSeparators(path), reason);
     return false;
 }
 

@@ -18,9 +18,10 @@ QString reports();
 // cannot be made (a file stands in the way, the disk refuses).
 bool ensure(const QString &path, QString *error = nullptr);
 
-// Writes `bytes` to `path` atomically: a temporary file beside it, put in place only once it is
-// complete, so that the previous file survives any failure. False, with a French reason in
-// `error`, when it cannot be done.
+// Writes `bytes` to `path` atomically: a temporary file beside it, put in place only once the
+// disk has taken every byte, so that the previous file survives any failure (a full disk
+// included) and no temporary is left. False, with "impossible d'écrire « path » (reason)" in
+// `error`, the reason in French ("plus d'espace libre sur le disque"…), when it cannot be done.
 bool writeAtomically(const QString &path, const QByteArray &bytes, QString *error = nullptr);
 
 // Removes from `folder` what interrupted atomic writes left behind: files named like a temporary

@@ -2,14 +2,15 @@
 
 #include "brand.h"
 #include "formatters.h"
+#include "userfolders.h"
 #include "timerengine.h"
 #include "walltime.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFont>
 #include <QPageSize>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QStringList>
 #include <QTextBoundaryFinder>
 
@@ -182,13 +183,15 @@ std::optional<QString> RundownPDFExporter::exportPDF(const TimerSession &session
     const std::optional<QString> path = ReportFiles::pathFor(fileName(session, now, Fmt::timeZone()), error);
     if (!path)
         return std::nullopt;
-    QSaveFile file(*path);
-    if (!file.open(QIODevice::WriteOnly) || !write(session, &file, now, Fmt::locale(), Fmt::timeZone())
-        || !file.commit()) {
-        file.cancelWriting();
-        if (error)
-            *error = ExportError{QStringLiteral("Kairon"), 1, QStringLiteral("Impossible de créer le PDF")};
-        return std::nullopt;
-    }
-    return *path;
+    // Drawn in memory, then written as any file of ours: the PDF writer does not check what
+    // the disk does with its bytes.
+    QBuffer pdf;
+    pdf.open(QIODevice::WriteOnly);
+    QString reason = QStringLiteral("Impossible de créer le PDF");
+    if (write(session, &pdf, now, Fmt::locale(), Fmt::timeZone())
+        && UserFolders::writeAtomically(*path, pdf.data(), &reason))
+        return *path;
+    if (error)
+        *error = ExportError{QStringLiteral("Kairon"), 1, reason};
+    return std::nullopt;
 }

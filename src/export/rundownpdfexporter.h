@@ -20,8 +20,9 @@ class RundownPDFExporter
 {
 public:
     // Writes "Rundown_<name>_<yyyy-MM-dd_HH-mm>.pdf" into Documents/Kairon/Reports (replacing a
-    // file of that name) and returns its path. A file that cannot be created gives the error
-    // "Impossible de créer le PDF" (domain "Kairon", code 1).
+    // file of that name, atomically) and returns its path. A PDF that cannot be drawn gives the
+    // error "Impossible de créer le PDF", a file that cannot be written "impossible d'écrire
+    // « path » (reason)" (both domain "Kairon", code 1).
     static std::optional<QString> exportPDF(const TimerSession &session, ExportError *error = nullptr);
 
     // The parts of it, for the tests.

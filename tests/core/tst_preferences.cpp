@@ -1,4 +1,5 @@
 #include "preferences.h"
+#include "settingsfile.h"
 #include "settingssandbox.h"
 
 #include <QSettings>
@@ -62,6 +63,27 @@ private slots:
         QCOMPARE(stored.value("oscListenPort").toInt(), 53200);
         QCOMPARE(stored.value("alertOutputUID").toString(), QStringLiteral("kairon_stage"));
         QVERIFY(QFileInfo(stored.fileName()).absoluteFilePath().startsWith(sandbox.path()));
+    }
+
+    // Written through a format of their own, in the file and the text of QSettings(): either
+    // reads what the other wrote.
+    void theyShareQSettingsFile()
+    {
+        SettingsSandbox sandbox;
+        QCOMPARE(SettingsFile().fileName(), QSettings().fileName());
+        QSettings().setValue("oscSendHost", QStringLiteral("régie, façade"));
+        QCOMPARE(Preferences::oscSendHost(), QStringLiteral("régie, façade"));
+        QVERIFY(Preferences::setSplashDuration(2.5));
+        QCOMPARE(QSettings().value("splashDuration").toDouble(), 2.5);
+        QVERIFY(Preferences::setWebEnabled(true));
+        QCOMPARE(QSettings().value("webEnabled").toBool(), true);
+        // On the disk too: a copy, which QSettings has never seen, reads the same.
+        const QString copy = sandbox.path() + QStringLiteral("/copy.conf");
+        QVERIFY(QFile::copy(QSettings().fileName(), copy));
+        const QSettings fromDisk(copy, QSettings::IniFormat);
+        QCOMPARE(fromDisk.value("oscSendHost").toString(), QStringLiteral("régie, façade"));
+        QCOMPARE(fromDisk.value("splashDuration").toDouble(), 2.5);
+        QCOMPARE(fromDisk.value("webEnabled").toBool(), true);
     }
 };
 

@@ -1,4 +1,5 @@
 #include "formatters.h"
+#include "fulldisk.h"
 #include "rundownpdfexporter.h"
 #include "temphome.h"
 
@@ -68,6 +69,12 @@ QList<Page> pagesOf(const QString &pdf)
         pages << pg;
     }
     return pages;
+}
+
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
 }
 
 TimerSession showOf(int cues)
@@ -341,13 +348,49 @@ private slots:
         const TimerSession s = showOf(1);
         // A folder stands where the file would go, for this minute and the next.
         const QDateTime current = QDateTime::currentDateTimeUtc();
-        for (const QDateTime &t : {current, current.addSecs(60)})
-            QVERIFY(QDir().mkpath(folder + u'/' + RundownPDFExporter::fileName(s, t, paris)));
+        QStringList expected;
+        for (const QDateTime &t : {current, current.addSecs(60)}) {
+            const QString path = folder + u'/' + RundownPDFExporter::fileName(s, t, paris);
+            QVERIFY(QDir().mkpath(path));
+            expected << QStringLiteral("impossible d'écrire « %1 » (un dossier porte ce nom)").arg(path);
+        }
         ExportError error;
         QVERIFY(!RundownPDFExporter::exportPDF(s, &error));
         QCOMPARE(error.domain, QStringLiteral("Kairon"));
         QCOMPARE(error.code, 1);
-        QCOMPARE(error.description, QStringLiteral("Impossible de créer le PDF"));
+        QVERIFY2(expected.contains(error.description), qPrintable(error.description));
+    }
+
+    // On a real file system filled to the last byte: the export fails with the reason, the
+    // earlier rundown keeps its bytes, nothing is left behind, and with room again it succeeds.
+    void aFullDiskFailsTheExportAndKeepsTheEarlierRundown()
+    {
+        TempHome home;
+        const QString folder = home.file(QStringLiteral("Documents/Kairon/Reports"));
+        FullDisk disk(folder);
+        FULL_DISK_OR_SKIP(disk);
+        const TimerSession s = showOf(3);
+        const std::optional<QString> earlier = RundownPDFExporter::exportPDF(s);
+        QVERIFY(earlier);
+        const QByteArray before = bytesOf(*earlier);
+        disk.fill();
+
+        const QDateTime current = QDateTime::currentDateTimeUtc();
+        ExportError error;
+        QVERIFY(!RundownPDFExporter::exportPDF(s, &error));
+        QCOMPARE(error.code, 1);
+        QStringList expected;
+        for (const QDateTime &t : {current, current.addSecs(60)})
+            expected << QStringLiteral("impossible d'écrire « %1/%2 » (plus d'espace libre sur le disque)")
+                            .arg(folder, RundownPDFExporter::fileName(s, t, paris));
+        QVERIFY2(expected.contains(error.description), qPrintable(error.description));
+        QCOMPARE(bytesOf(*earlier), before);
+        QCOMPARE(disk.files(), QStringList{QFileInfo(*earlier).fileName()});
+
+        disk.makeRoom();
+        const std::optional<QString> later = RundownPDFExporter::exportPDF(s, &error);
+        QVERIFY2(later, qPrintable(error.description));
+        QCOMPARE(pagesOf(*later).size(), 1);
     }
 
     void aReportsFolderThatCannotBeMadeIsAnError()

@@ -1,5 +1,6 @@
 #include "brandassets.h"
 
+#include "userfolders.h"
 #include "version.h"
 
 #include <QDir>
@@ -8,7 +9,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace {
@@ -25,14 +25,12 @@ QImage readCachedLogo()
     return QImage::fromData(file.readAll());
 }
 
-// Replaces the cached logo in one step: a reader sees the old file or the new, never half.
+// Replaces the cached logo in one step: a reader sees the old file or the new, never half, and
+// a disk that refuses the new one keeps the old.
 bool writeCachedLogo(const QByteArray &data)
 {
     const QString path = BrandAssets::cacheFilePath();
-    if (!QDir().mkpath(QFileInfo(path).absolutePath()))
-        return false;
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit();
+    return QDir().mkpath(QFileInfo(path).absolutePath()) && UserFolders::writeAtomically(path, data);
 }
 
 } // namespace

@@ -10,6 +10,9 @@ Row {
     property bool ok: true
     property bool pending: false
     property string text: ""
+    // A text that may run long (a file's path): wrapped over the whole line, rather than as wide
+    // as it needs, which makes its width depend on its own wrapping.
+    property bool wide: false
 
     width: parent ? parent.width : implicitWidth
     spacing: 8
@@ -24,7 +27,7 @@ Row {
     Text {
         objectName: line.objectName + "Text"
         anchors.verticalCenter: parent.verticalCenter
-        width: Math.min(implicitWidth, line.width - 26)
+        width: line.wide ? line.width - 26 : Math.min(implicitWidth, line.width - 26)
         text: line.text
         color: line.pending ? AppTheme.textSecondary : line.ok ? AppTheme.textPrimary : AppTheme.stateWarning
         font.family: AppTheme.textFont

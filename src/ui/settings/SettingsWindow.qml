@@ -5,7 +5,8 @@ import QtQuick.Window
 import Kairon
 
 // The settings: a window of a fixed 520 × 460 with five tabs, "Général", "OSC", "Web", "Session"
-// and "À propos". Everything it shows comes from the settings controller and the engine.
+// and "À propos", and under them the line that says a preference could not be stored.
+// Everything it shows comes from the settings controller and the engine.
 Window {
     id: window
 
@@ -63,6 +64,24 @@ Window {
                     anchors.horizontalCenter: parent.horizontalCenter
                     assets: window.brand
                 }
+            }
+        }
+
+        // A preference the disk refused, whatever the tab, until one is stored again.
+        Item {
+            Layout.fillWidth: true
+            Layout.preferredHeight: refused.implicitHeight + 24
+            visible: window.settings.preferencesError !== ""
+
+            SettingsStatusLine {
+                id: refused
+                objectName: "preferencesError"
+                x: 12
+                y: 12
+                width: parent.width - 24
+                ok: false
+                wide: true
+                text: window.settings.preferencesError
             }
         }
     }

@@ -19,6 +19,17 @@ SettingsController::SettingsController(TimerEngine &engine, NetworkCoordinator &
             &SettingsController::oscStatusChanged);
     connect(&m_deviceWatcher, &AudioDeviceWatcher::audioDevicesChanged, this,
             &SettingsController::refreshAlertOutputs);
+    connect(&m_web, &WebSettingsController::preferenceStored, this, &SettingsController::reportStored);
+}
+
+void SettingsController::reportStored(const QString &error)
+{
+    const QString text =
+        error.isEmpty() ? QString() : QStringLiteral("Échec d'enregistrement des réglages : ") + error;
+    if (text == m_preferencesError)
+        return;
+    m_preferencesError = text;
+    emit preferencesErrorChanged();
 }
 
 bool SettingsController::oscListenEnabled() const { return Preferences::oscListenEnabled(); }
@@ -36,7 +47,7 @@ int SettingsController::splashSeconds() const
 
 void SettingsController::setOscListenEnabled(bool on)
 {
-    Preferences::setOscListenEnabled(on);
+    reportStored(Preferences::store(Preferences::setOscListenEnabled, on));
     emit oscPreferencesChanged();
     emit oscStatusChanged(); // the status line shows only while listening is on
 }
@@ -44,39 +55,39 @@ void SettingsController::setOscListenEnabled(bool on)
 void SettingsController::setOscListenPort(int port)
 {
     if (Preferences::isPort(port))
-        Preferences::setOscListenPort(port);
+        reportStored(Preferences::store(Preferences::setOscListenPort, port));
     emit oscPreferencesChanged();
     emit oscStatusChanged(); // the status line names the port
 }
 
 void SettingsController::setOscSendEnabled(bool on)
 {
-    Preferences::setOscSendEnabled(on);
+    reportStored(Preferences::store(Preferences::setOscSendEnabled, on));
     emit oscPreferencesChanged();
 }
 
 void SettingsController::setOscSendHost(const QString &host)
 {
-    Preferences::setOscSendHost(host);
+    reportStored(Preferences::store(Preferences::setOscSendHost, host));
     emit oscPreferencesChanged();
 }
 
 void SettingsController::setOscSendPort(int port)
 {
     if (Preferences::isPort(port))
-        Preferences::setOscSendPort(port);
+        reportStored(Preferences::store(Preferences::setOscSendPort, port));
     emit oscPreferencesChanged();
 }
 
 void SettingsController::setOscSendStateChanges(bool on)
 {
-    Preferences::setOscSendStateChanges(on);
+    reportStored(Preferences::store(Preferences::setOscSendStateChanges, on));
     emit oscPreferencesChanged();
 }
 
 void SettingsController::setSplashSeconds(int seconds)
 {
-    Preferences::setSplashDuration(std::clamp(seconds, 1, 10));
+    reportStored(Preferences::store(Preferences::setSplashDuration, std::clamp(seconds, 1, 10)));
     emit splashSecondsChanged();
 }
 
@@ -84,7 +95,7 @@ QString SettingsController::alertOutputUID() const { return Preferences::alertOu
 
 void SettingsController::setAlertOutputUID(const QString &uid)
 {
-    Preferences::setAlertOutputUID(uid);
+    reportStored(Preferences::store(Preferences::setAlertOutputUID, uid));
     emit alertOutputChanged();
 }
 

@@ -50,6 +50,11 @@ class SettingsController : public QObject
     Q_PROPERTY(bool oscStatusOk READ oscStatusOk NOTIFY oscStatusChanged FINAL)
     Q_PROPERTY(QString oscStatusText READ oscStatusText NOTIFY oscStatusChanged FINAL)
 
+    // Why the last change of a preference could not be stored ("Échec d'enregistrement des
+    // réglages : impossible d'écrire « … » (plus d'espace libre sur le disque)"); empty once
+    // one is stored again. The window shows it at its foot, whatever the tab.
+    Q_PROPERTY(QString preferencesError READ preferencesError NOTIFY preferencesErrorChanged FINAL)
+
     // The "Session" tab: the name typed (starts empty) and the last save's outcome.
     Q_PROPERTY(QString sessionName READ sessionName WRITE setSessionName
                    NOTIFY sessionNameChanged FINAL)
@@ -85,6 +90,7 @@ public:
     bool oscStatusOk() const;
     QString oscStatusText() const;
 
+    QString preferencesError() const { return m_preferencesError; }
     QString sessionName() const { return m_sessionName; }
     void setSessionName(const QString &name);
     QString saveResult() const { return m_saveResult; }
@@ -106,11 +112,14 @@ signals:
     void alertOutputsChanged();
     void alertOutputChanged();
     void oscStatusChanged();
+    void preferencesErrorChanged();
     void sessionNameChanged();
     void saveResultChanged();
 
 private:
     void refreshAlertOutputs();
+    // Takes the outcome of a write of the preferences: "" when stored, else why not.
+    void reportStored(const QString &error);
 
     TimerEngine &m_engine;
     NetworkCoordinator &m_network;
@@ -118,6 +127,7 @@ private:
     AudioDeviceWatcher m_deviceWatcher;
     WebSettingsController m_web;
     QVariantList m_alertOutputs;
+    QString m_preferencesError;
     QString m_sessionName;
     QString m_saveResult;
 };

@@ -19,11 +19,12 @@ QString WebSettingsController::webInterface() const { return Preferences::webInt
 
 void WebSettingsController::setWebEnabled(bool on)
 {
-    Preferences::setWebEnabled(on);
+    QString error = Preferences::store(Preferences::setWebEnabled, on);
     // The server serves only a stored port; the field shows 8080 before any is typed, and that
     // is the port an operator who turns the server on expects it to serve.
-    if (on)
-        Preferences::setWebPort(Preferences::webPort());
+    if (on && error.isEmpty())
+        error = Preferences::store(Preferences::setWebPort, Preferences::webPort());
+    emit preferenceStored(error);
     emit preferencesChanged();
     emit statusChanged(); // the status line shows while the switch is on
 }
@@ -31,13 +32,13 @@ void WebSettingsController::setWebEnabled(bool on)
 void WebSettingsController::setWebPort(int port)
 {
     if (Preferences::isPort(port))
-        Preferences::setWebPort(port);
+        emit preferenceStored(Preferences::store(Preferences::setWebPort, port));
     emit preferencesChanged();
 }
 
 void WebSettingsController::setWebInterface(const QString &address)
 {
-    Preferences::setWebInterface(address);
+    emit preferenceStored(Preferences::store(Preferences::setWebInterface, address));
     emit preferencesChanged();
     // A stored address the machine does not have is listed while chosen; when the list stays,
     // the chosen entry still moves.
@@ -86,7 +87,7 @@ void WebSettingsController::newAccessCode()
     do
         code = Preferences::makeWebAccessCode();
     while (code == accessCode());
-    Preferences::setWebAccessCode(code);
+    emit preferenceStored(Preferences::store(Preferences::setWebAccessCode, code));
     m_server.reloadAccessCode();
     emit accessCodeChanged();
 }
@@ -97,7 +98,7 @@ bool WebSettingsController::setAccessCode(const QString &typed)
     if (!Preferences::isWebAccessCode(code))
         return false;
     if (code != accessCode()) {
-        Preferences::setWebAccessCode(code);
+        emit preferenceStored(Preferences::store(Preferences::setWebAccessCode, code));
         m_server.reloadAccessCode();
         emit accessCodeChanged();
     }

@@ -77,6 +77,8 @@ signals:
     void interfacesChanged();
     void accessCodeChanged();
     void statusChanged();
+    // After each write of a preference: "" when it was stored, else why not.
+    void preferenceStored(const QString &error);
 
 private:
     WebServer &m_server;

@@ -1,5 +1,7 @@
 #include "renderingbackend.h"
 
+#include "userfolders.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -11,7 +13,6 @@
 #include <QProcess>
 #include <QQuickWindow>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -63,14 +64,11 @@ std::optional<QString> cachedRenderer()
     return lines[1];
 }
 
+// A cache: a disk that refuses it costs the next run a probe, nothing more.
 void keepRenderer(const QString &renderer)
 {
     QDir().mkpath(QFileInfo(cacheFilePath()).absolutePath());
-    QSaveFile file(cacheFilePath());
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write((cacheKey() + u'\n' + renderer).toUtf8());
-        file.commit();
-    }
+    UserFolders::writeAtomically(cacheFilePath(), (cacheKey() + u'\n' + renderer).toUtf8());
 }
 
 QProcess *startProbe(QObject *parent)

@@ -1,4 +1,5 @@
 #include "brandview.h"
+#include "fulldisk.h"
 #include "ports.h"
 #include "temphome.h"
 
@@ -275,6 +276,31 @@ private slots:
             expectLogo(shot, mark.rect(), 160, blue, green);
         else
             expectDrawnSquare(shot, mark.rect());
+    }
+
+    // The cache on a real file system filled to the last byte: the downloaded logo cannot be
+    // kept there, so it is not shown, and the cached one stays as it was, with nothing beside it.
+    void aFullDiskKeepsTheCachedLogo()
+    {
+        FullDisk disk(QFileInfo(BrandAssets::cacheFilePath()).absolutePath());
+        FULL_DISK_OR_SKIP(disk);
+        writeFile(BrandAssets::cacheFilePath(), cachedPng());
+        disk.fill();
+        BrandAssets assets(served(QStringLiteral("logo.png")));
+        const QUrl source = assets.logoSource();
+        QSignalSpy changed(&assets, &BrandAssets::logoChanged);
+        assets.downloadRemote();
+        QTRY_VERIFY(!assets.downloading());
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(assets.logoSource(), source);
+        QCOMPARE(readFile(BrandAssets::cacheFilePath()), cachedPng());
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("logo.png")});
+
+        disk.makeRoom();
+        assets.downloadRemote();
+        QVERIFY(changed.wait());
+        QCOMPARE(readFile(BrandAssets::cacheFilePath()), servedPng());
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("logo.png")});
     }
 };
 

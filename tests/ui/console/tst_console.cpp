@@ -1,4 +1,5 @@
 #include "appfixture.h"
+#include "fulldisk.h"
 #include "pixels.h"
 #include "projectdocument.h"
 #include "settingssandbox.h"
@@ -502,6 +503,40 @@ private slots:
         QCOMPARE(c.toasts.current()->kind, ToastMessage::Error);
         QVERIFY2(c.toasts.text().startsWith(QStringLiteral("Échec de sauvegarde : ")), qPrintable(c.toasts.text()));
         QVERIFY(c.toasts.text().size() > QStringLiteral("Échec de sauvegarde : ").size());
+    }
+
+    // Ctrl+S with the projects on a real file system filled to the last byte: the toast says
+    // why in red, never "Projet sauvegardé", and the project keeps its bytes.
+    void aSaveOnAFullDiskSaysWhyAndKeepsTheProject()
+    {
+        Console c({durationCue("Intro", 600)});
+        FullDisk disk(c.store.folder());
+        FULL_DISK_OR_SKIP(disk);
+        QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        QFile file(c.savedFile());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray before = file.readAll();
+        file.close();
+        disk.fill();
+
+        QStringList toasts;
+        connect(&c.toasts, &ToastCenter::currentChanged, &c.toasts, [&] { toasts << c.toasts.text(); });
+        c.engine.addCue();
+        QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(c.toasts.current()->kind, ToastMessage::Error);
+        const QString failure = QStringLiteral("Échec de sauvegarde : impossible d'écrire « %1 » "
+                                               "(plus d'espace libre sur le disque)").arg(c.savedFile());
+        QCOMPARE(toasts, QStringList{failure});
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), before);
+        file.close();
+        QCOMPARE(disk.files(), QStringList{QFileInfo(c.savedFile()).fileName()});
+
+        disk.makeRoom();
+        QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        QCOMPARE(c.store.read(c.savedFile())->cues.size(), 2);
     }
 
     void theAutosaveFollowsTheShowSilently()

@@ -1,4 +1,5 @@
 #include "theme.h"
+#include "fulldisk.h"
 #include "pixels.h"
 #include "qttranslations.h"
 #include "settingsfixture.h"
@@ -110,6 +111,43 @@ private slots:
         QVERIFY(!f.at("oscSendPort")->property("invalid").toBool());
         f.type("oscSendHost", QStringLiteral("192.168.1.20"));
         QCOMPARE(stored("oscSendHost").toString(), QStringLiteral("192.168.1.20"));
+    }
+
+    // A preference the disk refuses, here a real file system filled to the last byte, is said
+    // under the tabs, whichever is shown, until one is stored again; the file keeps its bytes.
+    void aPreferenceTheDiskRefusesIsSaidUnderTheTabs()
+    {
+        SettingsFixture f;
+        FullDisk disk(f.path() + QStringLiteral("/KaironTests"));
+        FULL_DISK_OR_SKIP(disk);
+        const QString file = f.path() + QStringLiteral("/KaironTests/Kairon.conf");
+        const auto bytes = [&] {
+            QFile stored(file);
+            return stored.open(QIODevice::ReadOnly) ? stored.readAll() : QByteArray("(unreadable)");
+        };
+        f.openTab(1);
+        f.type("oscSendHost", QStringLiteral("10.0.0.1"));
+        QVERIFY(!f.shown("preferencesError"));
+        const QByteArray before = bytes();
+        QVERIFY2(before.contains("\noscSendHost=10.0.0.1\n"), before.constData());
+        disk.fill();
+
+        f.type("oscSendHost", QStringLiteral("10.0.0.2"));
+        QVERIFY(f.shown("preferencesError"));
+        QCOMPARE(f.text("preferencesErrorText"),
+                 QStringLiteral("Échec d'enregistrement des réglages : impossible d'écrire « %1 » "
+                                "(plus d'espace libre sur le disque)").arg(file));
+        QCOMPARE(bytes(), before);
+        keepScreenshot(f.shot(), QStringLiteral("settings-preference-refused"));
+        f.openTab(2);
+        QVERIFY(f.shown("preferencesError"));
+
+        disk.makeRoom();
+        f.openTab(1);
+        f.type("oscSendHost", QStringLiteral("10.0.0.3"));
+        QVERIFY(!f.shown("preferencesError"));
+        QVERIFY2(bytes().contains("\noscSendHost=10.0.0.3\n"), bytes().constData());
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("Kairon.conf")});
     }
 
     void editingChangesNothingOnTheNetworkUntilApplied()

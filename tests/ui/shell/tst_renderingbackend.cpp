@@ -1,3 +1,4 @@
+#include "fulldisk.h"
 #include "renderingbackend.h"
 #include "temphome.h"
 
@@ -44,6 +45,34 @@ private slots:
         file.write("xcb 6.0.0\nMesa Intel(R) UHD Graphics 620");
         file.close();
         QCOMPARE(RenderingBackend::chooseForThisMachine(), first);
+    }
+
+    // On a real file system filled to the last byte, the answer cannot be kept: the kept file
+    // stays as it was, with nothing beside it, and the next run asks again.
+    void aFullDiskKeepsTheKeptFileAsItWas()
+    {
+        TempHome home;
+        FullDisk disk(home.file(QStringLiteral(".cache/Kairon")));
+        FULL_DISK_OR_SKIP(disk);
+        const QString kept = home.file(QStringLiteral(".cache/Kairon/renderer"));
+        const QByteArray elsewhere("xcb 6.0.0\nMesa Intel(R) UHD Graphics 620");
+        QFile file(kept);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(elsewhere);
+        file.close();
+        disk.fill();
+
+        const QString first = RenderingBackend::chooseForThisMachine();
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), elsewhere);
+        file.close();
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("renderer")});
+
+        disk.makeRoom();
+        QCOMPARE(RenderingBackend::chooseForThisMachine(), first);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString key = QGuiApplication::platformName() + u' ' + QString::fromLatin1(qVersion());
+        QCOMPARE(QString::fromUtf8(file.readAll()), key + u'\n' + first);
     }
 };
 
