@@ -513,7 +513,7 @@ private slots:
         FullDisk disk(c.store.folder());
         FULL_DISK_OR_SKIP(disk);
         QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        QTRY_COMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
         QFile file(c.savedFile());
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray before = file.readAll();
@@ -524,10 +524,10 @@ private slots:
         connect(&c.toasts, &ToastCenter::currentChanged, &c.toasts, [&] { toasts << c.toasts.text(); });
         c.engine.addCue();
         QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(c.toasts.current()->kind, ToastMessage::Error);
         const QString failure = QStringLiteral("Échec de sauvegarde : impossible d'écrire « %1 » "
                                                "(plus d'espace libre sur le disque)").arg(c.savedFile());
-        QCOMPARE(toasts, QStringList{failure});
+        QTRY_COMPARE(toasts, QStringList{failure}); // once the write failed, in the background
+        QCOMPARE(c.toasts.current()->kind, ToastMessage::Error);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), before);
         file.close();
@@ -535,7 +535,7 @@ private slots:
 
         disk.makeRoom();
         QTest::keyClick(c.operatorWindow, Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
+        QTRY_COMPARE(c.toasts.text(), QStringLiteral("Projet sauvegardé"));
         QCOMPARE(c.store.read(c.savedFile())->cues.size(), 2);
     }
 
