@@ -1,5 +1,6 @@
 #include "alertrouter.h"
 
+#include "alertsynth.h"
 #include "audiodevicemanager.h"
 #include "preferences.h"
 
@@ -25,6 +26,8 @@ AlertRouter::~AlertRouter()
 
 void AlertRouter::start()
 {
+    for (const QString &name : AlertSynth::names())
+        sound(name); // decoded now rather than by the first alert of each
     m_check.start();
     keepReady();
 }

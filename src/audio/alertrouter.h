@@ -24,7 +24,8 @@ public:
     explicit AlertRouter(QObject *parent = nullptr);
     ~AlertRouter() override;
 
-    // Opens the next alert's output and starts the checks; from the audio thread.
+    // Decodes the sounds, opens the next alert's output and starts the checks; from the audio
+    // thread.
     void start();
     // `outputUID` is the preference as read when the alert was asked for.
     void play(const QString &name, const QString &outputUID);
