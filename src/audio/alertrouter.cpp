@@ -1,10 +1,36 @@
 #include "alertrouter.h"
 
+#include "alertsynth.h"
 #include "audiodevicemanager.h"
+#include "preferences.h"
 
 #include <QFile>
 #include <QMediaDevices>
 #include <QWaveDecoder>
+
+AlertRouter::AlertRouter(QObject *parent) : QObject(parent), m_check(this)
+{
+    // Qt 6.4 does not report outputs coming and going on PulseAudio (see AudioDeviceWatcher).
+    m_check.setInterval(checkIntervalMs);
+    connect(&m_check, &QTimer::timeout, this, &AlertRouter::keepReady);
+}
+
+AlertRouter::~AlertRouter()
+{
+    // Deleting an output's sinks runs this thread's pending events (Qt 6.4): no check may come
+    // in while the outputs go.
+    m_check.stop();
+    m_routed.reset();
+    m_system.reset();
+}
+
+void AlertRouter::start()
+{
+    for (const QString &name : AlertSynth::names())
+        sound(name); // decoded now rather than by the first alert of each
+    m_check.start();
+    keepReady();
+}
 
 QByteArray AlertRouter::sound(const QString &name)
 {
@@ -27,23 +53,11 @@ void AlertRouter::play(const QString &name, const QString &outputUID)
     const QByteArray pcm = sound(name);
     if (pcm.isEmpty())
         return;
-    if (outputUID.isEmpty()) {
-        playOnSystemOutput(pcm);
+    if (AlertOutput *routed = routedOutput(outputUID); routed && routed->play(pcm))
         return;
-    }
-    const QAudioDevice device = AudioDeviceManager::platformDevice(outputUID);
-    if (device.isNull()) {
-        // The chosen output is unplugged: fall back until it comes back.
-        playOnSystemOutput(pcm);
-        return;
-    }
-    if (!m_routed || m_routedUID != outputUID) {
-        retire(m_routed); // the output of the previous choice
-        m_routed = std::make_unique<AlertOutput>(device);
-        m_routedUID = outputUID;
-    }
-    if (!m_routed->play(pcm))
-        playOnSystemOutput(pcm);
+    // Nothing chosen, the chosen output unplugged (until it comes back) or failing.
+    if (AlertOutput *system = systemOutput())
+        system->play(pcm);
 }
 
 bool AlertRouter::isSounding() const
@@ -51,16 +65,46 @@ bool AlertRouter::isSounding() const
     return (m_routed && m_routed->isSounding()) || (m_system && m_system->isSounding());
 }
 
-void AlertRouter::playOnSystemOutput(const QByteArray &pcm)
+void AlertRouter::keepReady()
+{
+    if (AlertOutput *routed = routedOutput(Preferences::alertOutputUID()); routed && routed->prepare()) {
+        // The system output is only the fallback: no stream of its own kept open meanwhile.
+        if (m_system && !m_system->isSounding())
+            retire(m_system);
+        return;
+    }
+    if (AlertOutput *system = systemOutput())
+        system->prepare();
+}
+
+AlertOutput *AlertRouter::routedOutput(const QString &outputUID)
+{
+    const QAudioDevice device =
+        outputUID.isEmpty() ? QAudioDevice() : AudioDeviceManager::platformDevice(outputUID);
+    if (device.isNull()) {
+        retire(m_routed);
+        return nullptr;
+    }
+    if (!m_routed || m_routedUID != outputUID) {
+        retire(m_routed); // the output of the previous choice
+        m_routed = std::make_unique<AlertOutput>(device);
+        m_routedUID = outputUID;
+    }
+    return m_routed.get();
+}
+
+AlertOutput *AlertRouter::systemOutput()
 {
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-    if (device.isNull())
-        return;
+    if (device.isNull()) {
+        retire(m_system);
+        return nullptr;
+    }
     if (!m_system || m_system->deviceId() != device.id()) {
         retire(m_system);
         m_system = std::make_unique<AlertOutput>(device);
     }
-    m_system->play(pcm);
+    return m_system.get();
 }
 
 void AlertRouter::retire(std::unique_ptr<AlertOutput> &output)

@@ -9,6 +9,8 @@ SoundManager::SoundManager(QObject *parent) : QObject(parent)
     m_router = new AlertRouter;
     m_router->moveToThread(&m_thread);
     m_thread.start();
+    // The output of the first alert is opened now, not when that alert comes.
+    QMetaObject::invokeMethod(m_router, [router = m_router] { router->start(); }, Qt::QueuedConnection);
 }
 
 SoundManager::~SoundManager()
