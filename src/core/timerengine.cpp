@@ -174,9 +174,10 @@ void TimerEngine::flushChanges()
     while (m_pendingSignals || m_pendingHook) {
         const quint32 signalsToEmit = std::exchange(m_pendingSignals, 0);
         const bool callHook = std::exchange(m_pendingHook, false);
-        for (int i = 0; i < signalCount; ++i) {
-            if (signalsToEmit & (1u << i))
-                emit(this->*signalOrder[i])();
+        int bit = 0;
+        for (const Signal signal : signalOrder) {
+            if (signalsToEmit & (1u << bit++))
+                emit(this->*signal)();
         }
         if (callHook && m_onStateChange)
             m_onStateChange(snapshot());
