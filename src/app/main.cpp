@@ -35,25 +35,32 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
 namespace {
 
-// The output windows by identifier, as Main.qml declares them.
-const QList<std::pair<QString, const char *>> outputWindows = {{QStringLiteral("stage"), "stageWindow"},
-                                                               {QStringLiteral("confidence"), "confidenceWindow"}};
+// The output windows: the identifier Main.qml opens them by, its property, and what their
+// title holds for the screen manager to find them.
+struct OutputWindow {
+    const char *identifier;
+    const char *property;
+    const char *title;
+};
+constexpr OutputWindow outputWindows[] = {{"stage", "stageWindow", "Stage"},
+                                          {"confidence", "confidenceWindow", "Confidence"}};
 
 // Tells the recovery where the output windows are, and each time one shows, hides or moves.
 void watchOutputs(QObject *root, ShowRecovery &recovery)
 {
     recovery.setOutputReader([root] {
         QList<LiveState::Output> outputs;
-        for (const auto &[identifier, property] : outputWindows) {
-            const auto *window = root->property(property).value<QQuickWindow *>();
+        for (const OutputWindow &output : outputWindows) {
+            const auto *window = root->property(output.property).value<QQuickWindow *>();
             if (window && window->isVisible())
-                outputs.append({identifier, window->screen() ? window->screen()->name() : QString(),
+                outputs.append({QString::fromLatin1(output.identifier),
+                                window->screen() ? window->screen()->name() : QString(),
                                 window->visibility() == QWindow::FullScreen});
         }
         return outputs;
     });
-    for (const auto &[identifier, property] : outputWindows) {
-        auto *window = root->property(property).value<QQuickWindow *>();
+    for (const OutputWindow &output : outputWindows) {
+        auto *window = root->property(output.property).value<QQuickWindow *>();
         if (!window)
             continue;
         const auto moved = [&recovery] { recovery.outputsMoved(); };
@@ -69,14 +76,17 @@ void reopenOutputs(QObject *root, ShowRecovery &recovery, ScreenManager &screens
 {
     const QList<QScreen *> connected = QGuiApplication::screens();
     for (const LiveState::Output &output : recovery.outputsToReopen()) {
+        const auto known = std::find_if(std::cbegin(outputWindows), std::cend(outputWindows),
+                                        [&](const OutputWindow &w) { return output.window == QLatin1StringView(w.identifier); });
+        if (known == std::cend(outputWindows))
+            continue;
         QMetaObject::invokeMethod(root, "openWindow", Q_ARG(QVariant, output.window));
         const auto screen = std::find_if(connected.cbegin(), connected.cend(),
                                          [&](const QScreen *s) { return s->name() == output.screen; });
         if (!output.fullScreen || screen == connected.cend())
             continue;
         const int index = int(screen - connected.cbegin());
-        QString title = output.window;
-        title[0] = title[0].toUpper(); // "Kairon — Stage"
+        const QString title = QString::fromLatin1(known->title);
         // As the console does it: the window shows first, then goes to its display.
         QTimer::singleShot(ConsoleController::stageMoveDelayMs, &screens,
                            [&screens, title, index] { screens.sendWindow(title, index); });

@@ -31,19 +31,23 @@ double LiveState::elapsedAt(qint64 wallMs) const
 
 bool LiveState::sameAs(const LiveState &other) const
 {
-    LiveState a = *this, b = other;
-    // A running cue's clock is compared by the instant it started, to a quarter of a second.
-    const double startA = double(a.capturedAtMs) / 1000.0 - a.elapsed;
-    const double startB = double(b.capturedAtMs) / 1000.0 - b.elapsed;
-    const bool runningOn = a.running && !a.paused && b.running && !b.paused;
-    if (runningOn && std::fabs(startA - startB) >= 0.25)
-        return false;
-    if (runningOn)
-        a.remaining = b.remaining; // moves with the clock
-    a.capturedAtMs = b.capturedAtMs;
-    if (runningOn)
-        a.elapsed = b.elapsed;
-    return a == b;
+    // The capture instant always differs, and a running cue's clock moves with it: that clock
+    // is compared by the instant it started, a pause by the instant it began, to a quarter of
+    // a second (the wall and monotonic clocks round differently).
+    const auto near = [](double a, double b) { return std::fabs(a - b) < 0.25; };
+    LiveState a = *this;
+    a.capturedAtMs = other.capturedAtMs;
+    if (running && !paused && other.running && !other.paused) {
+        if (!near(double(capturedAtMs) / 1000.0 - elapsed,
+                  double(other.capturedAtMs) / 1000.0 - other.elapsed))
+            return false;
+        a.elapsed = other.elapsed;
+        a.remaining = other.remaining;
+    }
+    if (pausedSinceMs && other.pausedSinceMs
+        && near(double(*pausedSinceMs) / 1000.0, double(*other.pausedSinceMs) / 1000.0))
+        a.pausedSinceMs = other.pausedSinceMs;
+    return a == other;
 }
 
 namespace LiveStateFile {
