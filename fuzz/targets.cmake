@@ -9,6 +9,7 @@ set(KAIRON_FUZZERS
     timerstatesnapshot
     internetdate
     colorhex
+    livestate
 )
 set(KAIRON_FUZZ_DICT_osc_decode osc.dict)
 set(KAIRON_FUZZ_DICT_osc_roundtrip osc.dict)
@@ -16,3 +17,4 @@ set(KAIRON_FUZZ_DICT_projectdocument json.dict)
 set(KAIRON_FUZZ_DICT_timerstatesnapshot json.dict)
 set(KAIRON_FUZZ_DICT_internetdate date.dict)
 set(KAIRON_FUZZ_DICT_colorhex color.dict)
+set(KAIRON_FUZZ_DICT_livestate json.dict)

@@ -136,7 +136,7 @@ int main(int argc, char *argv[])
     SessionStore store(clock);
     ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
     // A show interrupted last time comes back first, where its clock is now.
-    ShowRecovery recovery(engine, store, flow, toasts);
+    ShowRecovery recovery(engine, store, flow, toasts, clock);
     const std::optional<QString> file = LaunchProject::fileArgument(app.arguments());
     if (!recovery.resumeIfInterrupted(file) && file)
         LaunchProject::open(*file, store, engine, flow, toasts);

@@ -11,15 +11,21 @@
 namespace {
 
 constexpr int formatVersion = 1;
+constexpr double maxSeconds = 366.0 * 24 * 3600;
+constexpr qint64 maxInstantMs = 100'000'000'000'000; // 5138-11-16
 
 QJsonValue optionalNumber(const std::optional<qint64> &value)
 {
     return value ? QJsonValue(double(*value)) : QJsonValue();
 }
 
+// An instant in milliseconds; one out of range reads as -1, which the decoder refuses.
 std::optional<qint64> readOptionalNumber(const QJsonValue &value)
 {
-    return value.isDouble() ? std::optional(qint64(std::llround(value.toDouble()))) : std::nullopt;
+    if (!value.isDouble())
+        return std::nullopt;
+    const double ms = value.toDouble();
+    return std::isfinite(ms) && std::fabs(ms) <= double(maxInstantMs) ? qint64(std::llround(ms)) : -1;
 }
 
 } // namespace
@@ -130,7 +136,7 @@ std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
     s.plannedDuration = o.value("plannedDuration").toDouble();
     s.hardOutTargetMs = readOptionalNumber(o.value("hardOutTarget"));
     s.pausedSinceMs = readOptionalNumber(o.value("pausedSince"));
-    s.capturedAtMs = qint64(std::llround(o.value("capturedAt").toDouble()));
+    s.capturedAtMs = readOptionalNumber(o.value("capturedAt")).value_or(-1);
     for (const QJsonValue &value : o.value("log").toArray()) {
         const QJsonObject entry = value.toObject();
         s.completedCueLog.append(CueLogEntry{entry.value("cue").toString(),
@@ -153,10 +159,17 @@ std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
         s.outputs.append({output.value("window").toString(), output.value("screen").toString(),
                           output.value("fullScreen").toBool()});
     }
-    const bool finite = std::isfinite(s.elapsed) && std::isfinite(s.remaining)
-                        && std::isfinite(s.plannedDuration) && std::isfinite(s.loggedOvertime)
-                        && std::isfinite(s.frozenRemaining);
-    if (!finite || (s.paused && !s.pausedSinceMs))
+    // Durations within a year of seconds and instants within the years 1970 to 5138: a clock
+    // outside them is no show's, and the resumption's arithmetic stays far from overflowing.
+    const auto duration = [](double seconds) { return std::isfinite(seconds) && std::fabs(seconds) <= maxSeconds; };
+    const auto instant = [](const std::optional<qint64> &ms) { return !ms || (*ms >= 0 && *ms <= maxInstantMs); };
+    bool plausible = duration(s.elapsed) && duration(s.remaining) && duration(s.plannedDuration)
+                     && duration(s.loggedOvertime) && duration(s.frozenRemaining)
+                     && instant(s.capturedAtMs) && instant(s.hardOutTargetMs)
+                     && instant(s.pausedSinceMs) && instant(s.doorsTargetMs);
+    for (const CueLogEntry &entry : std::as_const(s.completedCueLog))
+        plausible = plausible && duration(entry.planned) && duration(entry.actual) && duration(entry.overtime);
+    if (!plausible || (s.paused && !s.pausedSinceMs))
         return fail(QStringLiteral("horloge illisible"));
     return s;
 }

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # The real program interrupted in the middle of a show and launched again: killed (kill -9) at a
-# running cue with the blackout, a message and the stage output on air, at a paused cue, during
-# the doors countdown; then a recovery file that cannot be read; then SIGTERM, which saves.
-# Driven and observed over the web API, the windows seen on a private X server.
+# running cue with the blackout, a message and the stage full screen on the second monitor, its
+# report exported before and after; at a paused cue; during the doors countdown; then a recovery
+# file that cannot be read; then SIGTERM, which saves.
+# Driven over the web API and by clicks and keys (xdotool), on a private X server.
 # Usage: with-xvfb.sh recovery.sh KAIRON_BINARY
+# With KAIRON_SCREENSHOT_DIR set, keeps screenshots of the screen after the recovery there.
 set -euo pipefail
 kairon=$1
 here=$(cd "$(dirname "$0")" && pwd)
@@ -45,44 +47,105 @@ launch() {
     wait_for_trace "$dir/trace$run" first-frame
 }
 crash() { kill -9 "$kairon_pid"; wait "$kairon_pid" 2>/dev/null || true; }
-stage_shown() { xdotool search --onlyvisible --name 'Kairon — Stage' >/dev/null 2>&1; }
 near() { python3 -c "import sys; sys.exit(0 if abs($1 - ($2)) <= $3 else 1)"; }
+# within LOW HIGH VALUE TOLERANCE: LOW - TOLERANCE <= VALUE <= HIGH + TOLERANCE
+within() { python3 -c "import sys; sys.exit(0 if ($1) - $4 <= $3 <= ($2) + $4 else 1)"; }
+now() { date +%s.%N; }
 
-# 1. A running cue, with the blackout, a message and the stage output on air.
+# The console's place on the screen, without the window manager's frame: gx gy gw gh.
+console_geometry() {
+    local info
+    info=$(xwininfo -id "$(xdotool search --onlyvisible --name '^Kairon$' | head -n 1)")
+    gx=$(awk '/Absolute upper-left X/ {print $NF}' <<<"$info")
+    gy=$(awk '/Absolute upper-left Y/ {print $NF}' <<<"$info")
+    gw=$(awk '/Width:/ {print $NF}' <<<"$info")
+    gh=$(awk '/Height:/ {print $NF}' <<<"$info")
+}
+# The report exported from the cue list's footer (its first button), copied to FILE: rows only,
+# without the line that dates the export.
+reports=$HOME/Documents/Kairon/Reports
+export_report() {
+    rm -rf "$reports"
+    console_geometry
+    local list
+    list=$(python3 -c "print(round(max(320, min(480, $gw * 0.33))))")
+    xdotool mousemove $((gx + list - 10 - 32 - 6 - 16)) $((gy + gh - 26)) click 1
+    for _ in $(seq 200); do compgen -G "$reports/Rapport_*.csv" >/dev/null && break; sleep 0.05; done
+    compgen -G "$reports/Rapport_*.csv" >/dev/null || { fail "no report was exported"; return; }
+    grep -v '^Généré par' "$reports"/Rapport_*.csv > "$1"
+}
+# A screenshot of both monitors kept as NAME.png when KAIRON_SCREENSHOT_DIR is set.
+keep() { [[ -z ${KAIRON_SCREENSHOT_DIR:-} ]] || { mkdir -p "$KAIRON_SCREENSHOT_DIR"; import -window root "$KAIRON_SCREENSHOT_DIR/$1.png"; }; }
+# The stage full screen on the second monitor, as it was put there.
+stage_on_second_monitor() {
+    [[ $(xdotool search --onlyvisible --name 'Kairon — Stage' getwindowgeometry 2>/dev/null |
+         tr -d '\n') == *'Position: 1920,0'*'Geometry: 1280x720'* ]]
+}
+# No export asks a file manager to show its folder.
+mkdir -p "$dir/bin"
+printf '#!/bin/sh\nexit 0\n' > "$dir/bin/xdg-open"
+chmod +x "$dir/bin/xdg-open"
+export PATH=$dir/bin:$PATH
+unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER
+
+# 1. Cues 1 to 8 played, cue 9 running with the blackout, a message and the stage full screen on
+# the second monitor.
 launch
-post start '{"index":8}'
+post start '{"index":0}'
+for _ in $(seq 7); do post next; done
+next_sent=$(now)
+post next
+cue9_at=$(now) # cue 9 started between these two instants
+export_report "$dir/before.csv"
+[[ $(grep -c ';600;00:10:00;' "$dir/before.csv") == 8 ]] || fail "the report before the crash lacks the 8 cues played"
 post message '{"text":"Plus fort","urgent":true}'
 post blackout
-# The console's stage output button, at the right of its top bar.
-read -r wx wy ww _ < <(xdotool search --onlyvisible --name '^Kairon$' getwindowgeometry --shell | python3 -c '
-import sys; d=dict(l.strip().split("=") for l in sys.stdin if "=" in l); print(d["X"], d["Y"], d["WIDTH"], d["HEIGHT"])')
-xdotool mousemove $((wx + ww - 265)) $((wy + 35))
-for _ in $(seq 20); do
-    stage_shown && break
-    xdotool click 1
-    sleep 0.25
-done
-for _ in $(seq 100); do stage_shown && break; sleep 0.05; done
-stage_shown || fail "the stage window did not open"
-wait_recovery 's["blackout"] and s["message"] == "Plus fort" and s["outputs"] and s["activeCue"]'
+# "Plein écran sur : VIRTUAL-2", the second entry of the menu under the arrow beside "Stage".
+console_geometry
+xdotool mousemove $((gx + gw - 205)) $((gy + 56)) click 1
+sleep 0.5 # the menu opens
+xdotool key Down Down Return
+for _ in $(seq 100); do stage_on_second_monitor && break; sleep 0.05; done
+stage_on_second_monitor || fail "the stage did not go full screen on the second monitor"
+wait_recovery 's["blackout"] and s["message"] == "Plus fort" and s["activeCue"] and any(o["window"] == "stage" and o["fullScreen"] and o["screen"] == "VIRTUAL-2" for o in s["outputs"])'
+b0=$(now)
 before=$(field '["liveRemaining"]')
-died=$(date +%s.%N)
+b1=$(now)
 crash
 [[ -f $recovery ]] || fail "the recovery file went with the program"
 sleep 10 # the show goes on while the program is gone
 launch
+a0=$(now)
 after=$(field '["liveRemaining"]')
-back=$(date +%s.%N)
-expected=$(python3 -c "print($before - ($back - $died))")
-near "$after" "$expected" 1 || fail "remaining $after after the relaunch, $expected expected"
+a1=$(now)
+keep recovered-console
+# What a show never interrupted would show, read between the same instants.
+within "$before - ($a1 - $b0)" "$before - ($a0 - $b1)" "$after" 1 ||
+    fail "remaining $after after the relaunch, $before less the $(python3 -c "print($a0 - $b1)") s since expected"
 [[ $(field '["activeCueIndex"]') == 8 ]] || fail "cue $(field '["activeCueIndex"]') active, cue 9 expected"
 [[ $(field '["running"]') == true && $(field '["paused"]') == false ]] || fail "not running on"
 [[ $(field '["blackout"]') == true ]] || fail "the blackout is gone"
 [[ $(field '["message"]') == '"Plus fort"' && $(field '["messageUrgent"]') == true ]] || fail "the message is gone"
-for _ in $(seq 100); do stage_shown && break; sleep 0.05; done
-stage_shown || fail "the stage window did not come back"
+for _ in $(seq 100); do stage_on_second_monitor && break; sleep 0.05; done
+stage_on_second_monitor || fail "the stage did not come back full screen on the second monitor"
+keep recovered-stage
+# The report covers the cues played before the crash, and the cue on air counts its time
+# through the interruption.
+export_report "$dir/after.csv"
+cmp -s "$dir/before.csv" "$dir/after.csv" || { fail "the report changed across the crash"; diff "$dir/before.csv" "$dir/after.csv" || true; }
+n0=$(now)
+post next
+n1=$(now)
+export_report "$dir/later.csv"
+grep -q '^Cue 9;600;00:10:00;' "$dir/later.csv" || fail "cue 9 is not in the report"
+actual=$(awk -F';' '$1 == "Cue 9" {print $4}' "$dir/later.csv")
+# The report writes whole seconds, truncated.
+within "$n0 - $cue9_at - 1" "$n1 - $next_sent" "$actual" 1 ||
+    fail "cue 9 ran $actual s by the report, $(python3 -c "print($n0 - $cue9_at)") s at least by the wall clock"
+cmp -s <(grep -E '^Cue [1-8];' "$dir/before.csv") <(grep -E '^Cue [1-8];' "$dir/later.csv") ||
+    fail "the rows of the cues played before the crash changed"
 
-# 2. A paused cue stays at its value.
+# 2. A paused cue (cue 10) stays at its value.
 post blackout
 post pause
 wait_recovery 's["paused"] and not s["blackout"]'

@@ -99,6 +99,8 @@ Rectangle {
         Keys.onEnterPressed: if (currentIndex >= 0) panel.editCue(currentIndex)
         Keys.onDeletePressed: if (currentIndex >= 0 && !panel.engine.showLocked) panel.deleteCue(currentIndex)
         onCurrentIndexChanged: if (currentIndex >= 0) positionViewAtIndex(currentIndex, ListView.Contain)
+        // A show resumed at a later cue opens with that cue in view.
+        Component.onCompleted: if (currentIndex >= 0) positionViewAtIndex(currentIndex, ListView.Contain)
 
         Column {
             objectName: "emptyCueList"

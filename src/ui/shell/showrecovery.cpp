@@ -9,11 +9,19 @@
 #include <QMetaMethod>
 #include <QStandardPaths>
 
+#include <utility>
+
 ShowRecovery::ShowRecovery(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
-                           ToastCenter &toasts, const QString &filePath, QObject *parent)
+                           ToastCenter &toasts, Clock &clock, const QString &filePath,
+                           QObject *parent)
     : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
       m_path(filePath)
 {
+    // The file on disk is older than what this program captured: capture it all again.
+    m_retry = clock.createTimer([this] {
+        m_written.reset();
+        scheduleCapture();
+    });
     // Every signal of the engine may change the live state; a capture compares and writes
     // only a real change, so the ticks of a running clock write nothing.
     const QMetaObject *meta = m_engine.metaObject();
@@ -126,16 +134,35 @@ void ShowRecovery::capture()
     m_written = state;
     const QString path = m_path;
     const QByteArray bytes = LiveStateFile::encode(state);
-    m_disk.post([path, bytes] {
-        QString error;
-        UserFolders::ensure(QFileInfo(path).path());
-        return UserFolders::writeAtomically(path, bytes, &error) ? QString() : error;
-    });
+    m_disk.post(
+        [path, bytes] {
+            QString error;
+            UserFolders::ensure(QFileInfo(path).path());
+            return UserFolders::writeAtomically(path, bytes, &error) ? QString() : error;
+        },
+        [this](const QString &error) { written(error); });
+}
+
+void ShowRecovery::written(const QString &error)
+{
+    if (error.isEmpty()) {
+        m_writeFailing = false;
+        return;
+    }
+    if (m_flow.stage() != AppFlowState::Workspace)
+        return; // the show was closed meanwhile, and its file removed
+    // The file keeps the state it held before (the write is atomic). It is written again a
+    // moment later rather than at every tick, and the operator is told once, not every time.
+    if (!m_retry->isActive())
+        m_retry->start(retryDelayMs);
+    if (!std::exchange(m_writeFailing, true))
+        m_toasts.showError(QStringLiteral("Échec de l'enregistrement de reprise : ") + error);
 }
 
 void ShowRecovery::showClosed()
 {
     m_disk.waitForDone();
+    m_retry->stop();
     m_written.reset();
     m_outputsToReopen.clear();
     QFile::remove(m_path);

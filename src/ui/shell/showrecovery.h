@@ -1,6 +1,7 @@
 #pragma once
 
 #include "appflowstate.h"
+#include "clock.h"
 #include "diskworker.h"
 #include "livestate.h"
 #include "sessionstore.h"
@@ -11,6 +12,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 // Keeps the recovery file of the open show and resumes a show from it after an interruption.
@@ -29,9 +31,12 @@ public:
     using OutputReader = std::function<QList<LiveState::Output>()>;
 
     ShowRecovery(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
-                 ToastCenter &toasts, const QString &filePath = defaultPath(),
+                 ToastCenter &toasts, Clock &clock, const QString &filePath = defaultPath(),
                  QObject *parent = nullptr);
     ~ShowRecovery() override;
+
+    // A write the disk refused is tried again this long after, while the show is open.
+    static constexpr qint64 retryDelayMs = 2'000;
 
     // Beside the user's data: <data location>/recovery.json.
     static QString defaultPath();
@@ -61,6 +66,7 @@ private slots:
 
 private:
     void capture();
+    void written(const QString &error);
     void setAside(const QString &reason);
 
     TimerEngine &m_engine;
@@ -70,7 +76,9 @@ private:
     QString m_path;
     OutputReader m_readOutputs;
     DiskWorker m_disk;
+    std::unique_ptr<ClockTimer> m_retry;
     std::optional<LiveState> m_written; // what the file holds, as far as this program knows
     bool m_captureQueued = false;
+    bool m_writeFailing = false; // told once, until a write succeeds again
     QList<LiveState::Output> m_outputsToReopen;
 };

@@ -3,6 +3,7 @@
 // it is now, its report whole.
 #include "appflowstate.h"
 #include "enginefixture.h"
+#include "fulldisk.h"
 #include "reportexporter.h"
 #include "sessionstore.h"
 #include "showrecovery.h"
@@ -31,12 +32,15 @@ QList<Cue> gala()
 
 // One run of the program: an engine on its own clock, the library, and the recovery.
 struct Program {
-    explicit Program(const QDateTime &wallStart)
+    explicit Program(const QDateTime &wallStart, const QString &recoveryFile = defaultFile())
         : f(wallStart), toasts(f.clock), store(f.clock),
-          recovery(f.engine, store, flow, toasts, QDir(QStandardPaths::writableLocation(
-                                                         QStandardPaths::AppLocalDataLocation))
-                                                         .filePath("recovery.json"))
+          recovery(f.engine, store, flow, toasts, f.clock, recoveryFile)
     {
+    }
+    static QString defaultFile()
+    {
+        return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation))
+            .filePath("recovery.json");
     }
 
     EngineFixture f;
@@ -194,6 +198,46 @@ private slots:
         // A real change is written.
         p.f.engine.adjust(30);
         QTRY_COMPARE(written(p.recovery.filePath())->plannedDuration, 630.0);
+    }
+
+    void aFullDiskKeepsTheLastStateWrittenAndSaysSoOnce()
+    {
+        FullDisk disk(QDir::home().filePath(QStringLiteral("disk")));
+        FULL_DISK_OR_SKIP(disk);
+        Program p(showStart, QDir::home().filePath(QStringLiteral("disk/recovery.json")));
+        TimerEngine &e = p.f.engine;
+        e.loadSession(showOf(gala()));
+        p.flow.setStage(AppFlowState::Workspace);
+        e.start(2);
+        const QString path = p.recovery.filePath();
+        QTRY_VERIFY(written(path) && written(path)->running);
+        const QByteArray running = fileBytes(path);
+
+        disk.fill();
+        e.pause();
+        QTRY_VERIFY(p.toasts.current());
+        QCOMPARE(p.toasts.current()->kind, ToastMessage::Error);
+        QCOMPARE(p.toasts.text(),
+                 QStringLiteral("Échec de l'enregistrement de reprise : plus d'espace libre sur le disque"));
+        // The file still holds the last state written whole: cue 3 running.
+        QCOMPARE(fileBytes(path), running);
+        QCOMPARE(disk.files(), QStringList{QStringLiteral("recovery.json")});
+
+        // Another change fails too, and is not told again.
+        const QUuid told = p.toasts.current()->id;
+        e.sendMessage(QStringLiteral("Plus fort"), false);
+        QCoreApplication::processEvents();
+        p.recovery.waitForWrites();
+        QCoreApplication::processEvents();
+        QCOMPARE(p.toasts.current()->id, told);
+        QCOMPARE(fileBytes(path), running);
+
+        // Room again: the next try writes the state as it is now, with nothing changed meanwhile.
+        disk.makeRoom();
+        p.f.clock.advance(std::chrono::milliseconds(ShowRecovery::retryDelayMs));
+        QTRY_VERIFY(written(path) && written(path)->paused);
+        QCOMPARE(written(path)->message, QStringLiteral("Plus fort"));
+        QCOMPARE(written(path)->activeCueIndex, 2);
     }
 
     void closingTheShowRemovesTheFile()
