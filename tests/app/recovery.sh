@@ -45,6 +45,9 @@ launch() {
     pids+=("$kairon_pid")
     wait_for_web "$dir/trace$run"
     wait_for_trace "$dir/trace$run" first-frame
+    # After the splash, the console: its cue list's footer with the export buttons.
+    for _ in $(seq 100); do console_shown && return 0; sleep 0.1; done
+    fail "the console did not show"
 }
 crash() { kill -9 "$kairon_pid"; wait "$kairon_pid" 2>/dev/null || true; }
 near() { python3 -c "import sys; sys.exit(0 if abs($1 - ($2)) <= $3 else 1)"; }
@@ -61,15 +64,20 @@ console_geometry() {
     gw=$(awk '/Width:/ {print $NF}' <<<"$info")
     gh=$(awk '/Height:/ {print $NF}' <<<"$info")
 }
+# The console shows: the export buttons' fill at the foot of the cue list.
+console_shown() {
+    console_geometry 2>/dev/null || return 1
+    import -window root "$dir/now.ppm"
+    (($(python3 "$here/screen.py" count "$dir/now.ppm" $((gx + $(cue_list_width) - 90)) $((gy + gh - 42)) 80 32 42,42,48 1) > 800))
+}
+cue_list_width() { python3 -c "print(round(max(320, min(480, $gw * 0.33))))"; }
 # The report exported from the cue list's footer (its first button), copied to FILE: rows only,
 # without the line that dates the export.
 reports=$HOME/Documents/Kairon/Reports
 export_report() {
     rm -rf "$reports"
     console_geometry
-    local list
-    list=$(python3 -c "print(round(max(320, min(480, $gw * 0.33))))")
-    xdotool mousemove $((gx + list - 10 - 32 - 6 - 16)) $((gy + gh - 26)) click 1
+    xdotool mousemove $((gx + $(cue_list_width) - 10 - 32 - 6 - 16)) $((gy + gh - 26)) click 1
     for _ in $(seq 200); do compgen -G "$reports/Rapport_*.csv" >/dev/null && break; sleep 0.05; done
     compgen -G "$reports/Rapport_*.csv" >/dev/null || { fail "no report was exported"; return; }
     grep -v '^Généré par' "$reports"/Rapport_*.csv > "$1"

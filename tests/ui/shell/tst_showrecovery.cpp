@@ -217,8 +217,9 @@ private slots:
         e.pause();
         QTRY_VERIFY(p.toasts.current());
         QCOMPARE(p.toasts.current()->kind, ToastMessage::Error);
-        QCOMPARE(p.toasts.text(),
-                 QStringLiteral("Échec de l'enregistrement de reprise : plus d'espace libre sur le disque"));
+        QCOMPARE(p.toasts.text(), QStringLiteral("Échec de l'enregistrement de reprise : impossible "
+                                                 "d'écrire « %1 » (plus d'espace libre sur le disque)")
+                                      .arg(path));
         // The file still holds the last state written whole: cue 3 running.
         QCOMPARE(fileBytes(path), running);
         QCOMPARE(disk.files(), QStringList{QStringLiteral("recovery.json")});
