@@ -106,10 +106,13 @@ std::optional<QDateTime> TimerEngine::doorsTarget() const
 
 bool TimerEngine::recomputeDerived()
 {
+    // Read through a const reference: a save may share the list on another thread, and a
+    // non-const read would copy all of it here on the main thread.
+    const QList<Cue> &cues = m_session.cues;
     std::optional<int> index;
     if (m_activeCueID) {
-        for (int i = 0; i < m_session.cues.size(); ++i) {
-            if (m_session.cues[i].id == *m_activeCueID) {
+        for (int i = 0; i < cues.size(); ++i) {
+            if (cues[i].id == *m_activeCueID) {
                 index = i;
                 break;
             }
@@ -117,8 +120,8 @@ bool TimerEngine::recomputeDerived()
     }
     const std::optional<int> base = index ? index : m_selectedCueIndex;
     double sum = 0;
-    for (qsizetype i = base ? std::max(*base + 1, 0) : 0; i < m_session.cues.size(); ++i)
-        sum += m_session.cues[i].duration;
+    for (qsizetype i = base ? std::max(*base + 1, 0) : 0; i < cues.size(); ++i)
+        sum += cues[i].duration;
     const bool moved = index != m_activeCueIndex || sum != m_durationsAfterBase;
     m_activeCueIndex = index;
     m_durationsAfterBase = sum;

@@ -3,6 +3,7 @@
 #include "timerengine.h"
 
 #include <cmath>
+#include <utility>
 
 LiveState TimerEngine::liveState() const
 {
@@ -46,7 +47,7 @@ void TimerEngine::resumeLiveState(const LiveState &s)
     refreshDerived();
     if (m_activeCueID && !m_activeCueIndex && s.activeCueIndex && *s.activeCueIndex >= 0
         && *s.activeCueIndex < m_session.cues.size()) {
-        m_activeCueID = m_session.cues[*s.activeCueIndex].id;
+        m_activeCueID = std::as_const(m_session.cues)[*s.activeCueIndex].id;
         refreshDerived();
     }
     notify(&TimerEngine::selectedCueIndexChanged);
@@ -71,7 +72,7 @@ void TimerEngine::resumeLiveState(const LiveState &s)
             liveClock(monotonicUs, wallMs, m_elapsed, m_remaining);
         }
         // The thresholds already passed stay silent: their alerts sounded before.
-        const Cue &cue = m_session.cues[*m_activeCueIndex];
+        const Cue &cue = std::as_const(m_session.cues)[*m_activeCueIndex];
         m_firedWarning = m_remaining <= cue.warningThreshold;
         m_firedDanger = m_remaining <= cue.dangerThreshold;
         m_firedZero = m_remaining <= 0;

@@ -3,6 +3,7 @@
 #include "timerengine.h"
 
 #include <cmath>
+#include <utility>
 
 void TimerEngine::start(std::optional<int> cueIndex)
 {
@@ -18,7 +19,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
 
     const QDateTime now = m_clock.now();
     const qint64 monotonicUs = m_clock.monotonicUs();
-    const Cue cue = m_session.cues[index];
+    const Cue cue = std::as_const(m_session.cues)[index];
     m_activeCueID = cue.id;
     if (m_selectedCueIndex != index) {
         m_selectedCueIndex = index;

@@ -6,7 +6,8 @@
 using namespace std::chrono_literals;
 
 // A twelve-hour show of 24 half-hour cues that follow on, driven by a ticker that is often
-// late, sometimes misses ticks and sometimes gets an extra early one.
+// late, sometimes misses ticks and sometimes gets an extra early one; and the cue list that a
+// long show's saves share with the engine.
 class TestTimerEngineLongRun : public QObject
 {
     Q_OBJECT
@@ -89,6 +90,34 @@ private slots:
             logged += entry.overtime;
         }
         QVERIFY(std::abs(f.engine.totalOvertime() - (logged - f.engine.remaining())) < 1e-9);
+    }
+
+    // A save reads a copy that shares the engine's cue list on another thread. What only reads
+    // the list (ticks, adjustments, show controls, the selection) must leave it shared: a
+    // private copy of a 100,000-cue list costs the main thread some 60 ms.
+    void readingTheListNeverCopiesIt()
+    {
+        EngineFixture f;
+        QList<Cue> cues;
+        for (int i = 0; i < 50; ++i)
+            cues << durationCue(QStringLiteral("Cue %1").arg(i + 1), 600);
+        f.engine.loadSession(showOf(cues));
+        f.engine.start(20);
+        const TimerSession saving = f.engine.session();
+        f.clock.advance(5s);
+        f.engine.adjust(30);
+        f.engine.pause();
+        f.engine.pause();
+        f.engine.setBlackout(true);
+        f.engine.sendMessage(QStringLiteral("Plus fort"), true);
+        f.engine.setSelectedCueIndex(30);
+        f.clock.advance(5s);
+        QCOMPARE(f.engine.activeCueIndex(), 20);
+        QCOMPARE(f.engine.session().cues.constData(), saving.cues.constData());
+        // A real change copies it, and leaves the save's copy as it was.
+        f.engine.next();
+        QVERIFY(f.engine.session().cues.constData() != saving.cues.constData());
+        QVERIFY(!saving.cues[20].actualElapsed);
     }
 };
 
