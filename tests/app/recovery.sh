@@ -2,7 +2,7 @@
 # The real program interrupted in the middle of a show and launched again: killed (kill -9) at a
 # running cue with the blackout, a message and the stage full screen on the second monitor, its
 # report exported before and after; at a paused cue; during the doors countdown; then a recovery
-# file that cannot be read; then SIGTERM, which saves.
+# file that cannot be read; then SIGTERM, SIGINT and SIGHUP, each of which saves and quits.
 # Driven over the web API and by clicks and keys (xdotool), on a private X server.
 # Usage: with-xvfb.sh recovery.sh KAIRON_BINARY
 # With KAIRON_SCREENSHOT_DIR set, keeps screenshots of the screen after the recovery there.
@@ -181,21 +181,25 @@ launch
 compgen -G "$recovery.illisible-*" >/dev/null || fail "the unreadable recovery file was not set aside"
 [[ $(field '["activeCueIndex"]') == null ]] || fail "a cue is active after an unreadable recovery file"
 
-# 5. SIGTERM saves an edit made a moment before (the stopped cue's actual time) and leaves no
-# recovery behind.
-post start '{"index":3}'
-sleep 1.5
-post stop
-kill -TERM "$kairon_pid"
-status=0
-wait "$kairon_pid" || status=$?
-[[ $status == 0 ]] || fail "SIGTERM ended the program with status $status"
-[[ ! -f $recovery ]] || fail "the recovery file stayed after SIGTERM"
-python3 - "$projects/$id.orvprjct" <<'PY' || fail "the project file lacks the stopped cue's actual time"
+# 5. SIGTERM, SIGINT and SIGHUP each save an edit made a moment before (a cue started, then
+# stopped: its actual time is written into the show), quit cleanly and leave no recovery behind.
+cue=3
+for signal in TERM INT HUP; do
+    ((cue == 3)) || launch
+    post start "{\"index\":$cue}"
+    post stop
+    kill -"$signal" "$kairon_pid"
+    status=0
+    wait "$kairon_pid" || status=$?
+    [[ $status == 0 ]] || fail "SIG$signal ended the program with status $status"
+    [[ ! -f $recovery ]] || fail "the recovery file stayed after SIG$signal"
+    python3 - "$projects/$id.orvprjct" "$cue" <<'PY' || fail "SIG$signal: the project file lacks cue $((cue + 1))'s actual time"
 import json, sys
 cues = json.load(open(sys.argv[1]))["cues"]
-sys.exit(0 if cues[3].get("actualElapsed", 0) >= 1.4 else 1)
+sys.exit(0 if cues[int(sys.argv[2])].get("actualElapsed", 0) > 0 else 1)
 PY
+    cue=$((cue + 1))
+done
 
 ((failures == 0)) || { echo "$failures failure(s)"; exit 1; }
 echo "recovery: every interruption resumed"
