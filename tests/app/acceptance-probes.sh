@@ -9,7 +9,6 @@
 # top bar, then the cue list on the left (a third of the window, 320 to 480 wide).
 menu_bar=28
 top_bar=56
-cue_list_width() { python3 -c "print(round(max(320, min(480, $gw * 0.33))))"; }
 # The centre of the cue list's row I (0 first): below the list's header (14 + 30 + 8), rows of
 # 64 spaced by 8.
 cue_row_y() { echo $((gy + menu_bar + top_bar + 52 + 72 * $1 + 32)); }

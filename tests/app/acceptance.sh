@@ -134,16 +134,7 @@ press() {
 
 # A visible window of the program, by its title's regular expression; empty when none.
 window_id() { xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1 || true; }
-# Its place on the screen: geometry WINDOW_ID sets gx gy gw gh (the window's content, without
-# the window manager's frame).
-geometry() {
-    local info
-    info=$(xwininfo -id "$1")
-    gx=$(awk '/Absolute upper-left X/ {print $NF}' <<<"$info")
-    gy=$(awk '/Absolute upper-left Y/ {print $NF}' <<<"$info")
-    gw=$(awk '/Width:/ {print $NF}' <<<"$info")
-    gh=$(awk '/Height:/ {print $NF}' <<<"$info")
-}
+source "$tests/support/window-geometry.sh"
 
 free_udp_port() { "$tests/support/free-udp-port"; }
 

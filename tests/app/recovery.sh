@@ -11,6 +11,7 @@ kairon=$1
 here=$(cd "$(dirname "$0")" && pwd)
 source "$here/../support/scratch.sh"
 source "$here/../support/web-sandbox.sh"
+source "$here/../support/window-geometry.sh"
 code=K7M2P9QX
 web_sandbox "$dir" "$code"
 export QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software TZ=Europe/Paris
@@ -56,21 +57,13 @@ within() { python3 -c "import sys; sys.exit(0 if ($1) - $4 <= $3 <= ($2) + $4 el
 now() { date +%s.%N; }
 
 # The console's place on the screen, without the window manager's frame: gx gy gw gh.
-console_geometry() {
-    local info
-    info=$(xwininfo -id "$(xdotool search --onlyvisible --name '^Kairon$' | head -n 1)")
-    gx=$(awk '/Absolute upper-left X/ {print $NF}' <<<"$info")
-    gy=$(awk '/Absolute upper-left Y/ {print $NF}' <<<"$info")
-    gw=$(awk '/Width:/ {print $NF}' <<<"$info")
-    gh=$(awk '/Height:/ {print $NF}' <<<"$info")
-}
+console_geometry() { geometry "$(xdotool search --onlyvisible --name '^Kairon$' | head -n 1)"; }
 # The console shows: the export buttons' fill at the foot of the cue list.
 console_shown() {
     console_geometry 2>/dev/null || return 1
     import -window root "$dir/now.ppm"
     (($(python3 "$here/screen.py" count "$dir/now.ppm" $((gx + $(cue_list_width) - 90)) $((gy + gh - 42)) 80 32 42,42,48 1) > 800))
 }
-cue_list_width() { python3 -c "print(round(max(320, min(480, $gw * 0.33))))"; }
 # The report exported from the cue list's footer (its first button), copied to FILE: rows only,
 # without the line that dates the export.
 reports=$HOME/Documents/Kairon/Reports
