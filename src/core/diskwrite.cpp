@@ -1,13 +1,14 @@
 #include "diskwrite.h"
 
 #include <QFileDevice>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <unistd.h>
 
 namespace DiskWrite {
 
-QString reason(int error, const QString &qtText)
+QString reason(int error)
 {
     switch (error) {
     case ENOSPC:
@@ -24,7 +25,7 @@ QString reason(int error, const QString &qtText)
     case EFBIG:
         return QStringLiteral("fichier trop volumineux");
     case ENOENT:
-        return QStringLiteral("dossier introuvable");
+        return QStringLiteral("fichier ou dossier introuvable");
     case ENOTDIR:
         return QStringLiteral("un fichier occupe la place d'un dossier");
     case EISDIR:
@@ -34,9 +35,44 @@ QString reason(int error, const QString &qtText)
     case EMFILE:
     case ENFILE:
         return QStringLiteral("trop de fichiers ouverts");
+    case ELOOP:
+        return QStringLiteral("trop de liens symboliques imbriqués");
+    case EBUSY:
+    case ETXTBSY:
+        return QStringLiteral("fichier occupé par un autre programme");
+    case EXDEV:
+        return QStringLiteral("déplacement impossible d'un disque à un autre");
+    case EEXIST:
+        return QStringLiteral("un fichier porte déjà ce nom");
+    case ENOTEMPTY:
+        return QStringLiteral("dossier non vide");
+    case ENODEV:
+    case ENXIO:
+        return QStringLiteral("disque débranché ou absent");
+    case ESTALE:
+    case ETIMEDOUT:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+        return QStringLiteral("disque réseau injoignable");
+    case ENOMEM:
+        return QStringLiteral("mémoire insuffisante");
+    case EINVAL:
+        return QStringLiteral("opération refusée par le système de fichiers");
+    case 0:
+        return QStringLiteral("erreur inconnue");
     default:
-        return qtText.isEmpty() ? QStringLiteral("erreur inconnue") : qtText;
+        // Never the system's own text: it is English on most machines.
+        return QStringLiteral("erreur système n° %1").arg(error);
     }
+}
+
+QString openFailure(const QString &path, int error)
+{
+    if (!error) {
+        const QFileInfo info(path);
+        error = info.isDir() ? EISDIR : info.exists() ? EACCES : ENOENT;
+    }
+    return reason(error);
 }
 
 bool writeAll(QFileDevice &file, const QByteArray &bytes, QString *why)
@@ -44,7 +80,7 @@ bool writeAll(QFileDevice &file, const QByteArray &bytes, QString *why)
     // errno is read right after the call that failed, before anything else may change it.
     auto fail = [&](int error) {
         if (why)
-            *why = reason(error, file.errorString());
+            *why = reason(error);
         return false;
     };
     errno = 0;

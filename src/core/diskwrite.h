@@ -12,9 +12,13 @@ class QFileDevice;
 namespace DiskWrite {
 
 // The French reason for a failed file operation, from the errno it left (ENOSPC: "plus
-// d'espace libre sur le disque", EACCES: "accès refusé"…); `qtText`, Qt's own errorString(),
-// for any other, or when errno is 0.
-QString reason(int error, const QString &qtText);
+// d'espace libre sur le disque", EACCES: "accès refusé"…), never the system's own text, which
+// is English on most machines: "erreur système n° N" for an errno without a sentence of its
+// own, "erreur inconnue" for none.
+QString reason(int error);
+// The French reason why the file at `path` did not open, from the errno its open() left; when
+// Qt refused it without asking the system (errno 0), from what is at that path.
+QString openFailure(const QString &path, int error);
 
 // Writes all of `bytes` into `file`, open for writing and empty, and pushes them to the disk.
 // False, with the French reason in `reason`, when the disk refused any of it.

@@ -1,5 +1,6 @@
 #include "sessionstore.h"
 
+#include "diskwrite.h"
 #include "projectdocument.h"
 #include "userfolders.h"
 #include "uuidtext.h"
@@ -10,6 +11,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace {
 
@@ -84,9 +86,11 @@ QStringList SessionStore::listProjects() const
 std::optional<TimerSession> SessionStore::read(const QString &path, QString *error) const
 {
     QFile file(path);
+    errno = 0;
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
-            *error = QStringLiteral("impossible de lire %1 (%2)").arg(quoted(path), file.errorString());
+            *error = QStringLiteral("impossible de lire %1 (%2)")
+                         .arg(quoted(path), DiskWrite::openFailure(path, errno));
         return std::nullopt;
     }
     return ProjectDocument::decode(file.readAll(), m_clock.now(), error);
@@ -107,15 +111,28 @@ std::optional<QString> SessionStore::rename(const QString &path, const QString &
         return std::nullopt;
     session->name = newName;
     session->updatedAt = m_clock.now();
-    const std::optional<QString> saved = save(*session, error);
+    return saveInPlaceOf(path, *session, error);
+}
+
+std::optional<QString> SessionStore::adopt(const QString &path, const TimerSession &session,
+                                           QString *error) const
+{
+    const QFileInfo opened(path);
+    const bool inLibrary = QFileInfo(opened.absolutePath()) == QFileInfo(folder());
+    if (!inLibrary || opened.fileName() == UuidText::canonical(session.id) + u'.' + extension)
+        return path;
+    return saveInPlaceOf(path, session, error);
+}
+
+std::optional<QString> SessionStore::saveInPlaceOf(const QString &path, const TimerSession &session,
+                                                   QString *error) const
+{
+    const std::optional<QString> saved = save(session, error);
     if (!saved)
         return std::nullopt;
-    if (QFileInfo(*saved) != QFileInfo(path) && !QFile::remove(path)) {
-        // The renamed project is saved under its id; only the old copy stays behind.
-        if (error)
-            *error = QStringLiteral("impossible de retirer l'ancien fichier %1").arg(quoted(path));
+    // The show is now in its own file; the old one goes to the Trash, never erased.
+    if (QFileInfo(*saved) != QFileInfo(path) && !deleteProject(path, error))
         return std::nullopt;
-    }
     return saved;
 }
 

@@ -50,9 +50,16 @@ public:
     // The listing entry of a file; an unreadable file gets its file name and "fichier illisible".
     ProjectMeta meta(const QString &path) const;
     // Gives the show its new name (taken as given) and saves it under its id; a file that was
-    // not named after its id is then removed. Returns the project's path.
+    // not named after its id then goes to the Trash. Returns the project's path.
     std::optional<QString> rename(const QString &path, const QString &newName,
                                   QString *error = nullptr) const;
+    // Keeps one file per show: a show opened from a library file not named after its id (a
+    // copy made by hand, a file that had no id) is saved as <ID>.orvprjct and the file it came
+    // from goes to the Trash. A file outside the library, or already the show's own, is left
+    // as it is. Returns the show's file; nothing, with `error`, when the save or the move
+    // failed (the opened file then stays).
+    std::optional<QString> adopt(const QString &path, const TimerSession &session,
+                                 QString *error = nullptr) const;
     // Moves the file to the user's Trash; nothing is ever erased outright.
     bool deleteProject(const QString &path, QString *error = nullptr) const;
     // Saves a copy with a new id, " copie" after the name and both dates now; returns its path.
@@ -72,6 +79,9 @@ public:
 
 private:
     static std::optional<QDateTime> modDate(const QFileInfo &info);
+    // Saves the show under its id, then moves `path` to the Trash when it is another file.
+    std::optional<QString> saveInPlaceOf(const QString &path, const TimerSession &session,
+                                         QString *error) const;
 
     const Clock &m_clock;
 };

@@ -37,10 +37,10 @@ QString reasonWithoutWrite(const QString &path)
     const QString folder = QFileInfo(path).absolutePath();
     const QStorageInfo volume(folder);
     if (volume.isValid() && volume.isReadOnly())
-        return DiskWrite::reason(EROFS, {});
+        return DiskWrite::reason(EROFS);
     if (volume.isValid() && volume.bytesAvailable() == 0)
-        return DiskWrite::reason(ENOSPC, {});
-    return DiskWrite::reason(QFileInfo(folder).isWritable() ? 0 : EACCES, {});
+        return DiskWrite::reason(ENOSPC);
+    return DiskWrite::reason(QFileInfo(folder).isWritable() ? 0 : EACCES);
 }
 
 } // namespace

@@ -5,6 +5,9 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+#include <cmath>
+
 namespace ShowCodec {
 
 // ---- Writing -------------------------------------------------------------------------------
@@ -123,6 +126,15 @@ public:
             return v.isDouble() ? std::optional(v.toDouble()) : std::nullopt;
         });
     }
+    // A length of time, brought within a day (0 to 86,400 s): a file written by hand or by
+    // another program may hold -50 or 1e300, which no clock, list or report can show.
+    std::optional<double> seconds(QLatin1StringView key) const
+    {
+        const std::optional<double> value = number(key);
+        if (!value)
+            return std::nullopt;
+        return std::isnan(*value) ? 0.0 : std::clamp(*value, 0.0, ShowCodec::maxSeconds);
+    }
     std::optional<bool> boolean(QLatin1StringView key) const
     {
         return read(key, QStringLiteral("un booléen (true ou false)"), [](const QJsonValue &v) {
@@ -197,15 +209,15 @@ Cue readCue(const QJsonObject &object, const QString &where)
     cue.name = r.text(QLatin1StringView("name")).value_or(QStringLiteral("Cue"));
     cue.speaker = r.text(QLatin1StringView("speaker")).value_or(QString());
     cue.mode = r.mode(QLatin1StringView("mode")).value_or(TimerMode::Duration);
-    cue.duration = r.number(QLatin1StringView("duration")).value_or(600);
+    cue.duration = r.seconds(QLatin1StringView("duration")).value_or(600);
     cue.hardOutTime = r.date(QLatin1StringView("hardOutTime"));
-    cue.warningThreshold = r.number(QLatin1StringView("warningThreshold")).value_or(120);
-    cue.dangerThreshold = r.number(QLatin1StringView("dangerThreshold")).value_or(30);
+    cue.warningThreshold = r.seconds(QLatin1StringView("warningThreshold")).value_or(120);
+    cue.dangerThreshold = r.seconds(QLatin1StringView("dangerThreshold")).value_or(30);
     cue.autoFollow = r.boolean(QLatin1StringView("autoFollow")).value_or(false);
     cue.notes = r.text(QLatin1StringView("notes")).value_or(QString());
     cue.colorHex = r.text(QLatin1StringView("colorHex"));
-    cue.actualElapsed = r.number(QLatin1StringView("actualElapsed"));
-    cue.overtime = r.number(QLatin1StringView("overtime"));
+    cue.actualElapsed = r.seconds(QLatin1StringView("actualElapsed"));
+    cue.overtime = r.seconds(QLatin1StringView("overtime"));
     return cue;
 }
 
@@ -239,10 +251,10 @@ CueTemplate readTemplate(const QJsonObject &object)
     CueTemplate t;
     t.id = r.required(r.uuid(QLatin1StringView("id")), QLatin1StringView("id"));
     t.name = r.required(r.text(QLatin1StringView("name")), QLatin1StringView("name"));
-    t.duration = r.required(r.number(QLatin1StringView("duration")), QLatin1StringView("duration"));
-    t.warningThreshold = r.required(r.number(QLatin1StringView("warningThreshold")),
+    t.duration = r.required(r.seconds(QLatin1StringView("duration")), QLatin1StringView("duration"));
+    t.warningThreshold = r.required(r.seconds(QLatin1StringView("warningThreshold")),
                                     QLatin1StringView("warningThreshold"));
-    t.dangerThreshold = r.required(r.number(QLatin1StringView("dangerThreshold")),
+    t.dangerThreshold = r.required(r.seconds(QLatin1StringView("dangerThreshold")),
                                    QLatin1StringView("dangerThreshold"));
     return t;
 }

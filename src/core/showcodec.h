@@ -17,8 +17,12 @@
 // Shows and cues are read leniently so that older or hand-made files open: a missing key (or
 // a null) takes a fallback, unknown keys are ignored. A value of the wrong type, an unknown
 // mode or an unreadable date or id fails the whole document, and `error` says what was wrong,
-// in French. Templates and preset messages are read strictly: every key is required.
+// in French. Templates and preset messages are read strictly: every key is required. Every
+// length of time read (durations, thresholds, actual times, overtimes) is brought within
+// 0 to `maxSeconds`.
 namespace ShowCodec {
+
+constexpr double maxSeconds = 86'400; // a day
 
 QJsonObject encode(const TimerSession &session);
 QJsonObject encode(const Cue &cue);

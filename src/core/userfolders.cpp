@@ -60,12 +60,12 @@ bool writeAtomically(const QString &path, const QByteArray &bytes, QString *erro
             const QFileInfo existing(path);
             cause = existing.isDir() ? EISDIR : existing.exists() ? EACCES : 0;
         }
-        reason = DiskWrite::reason(cause, file.errorString());
+        reason = DiskWrite::reason(cause);
     } else if (DiskWrite::writeAll(file, bytes, &reason)) {
         errno = 0;
         if (file.commit())
             return true;
-        reason = DiskWrite::reason(errno, file.errorString());
+        reason = DiskWrite::reason(errno);
     }
     file.cancelWriting(); // the temporary goes, the previous file stays as it was
     if (error)

@@ -6,7 +6,7 @@
 # ---- The program's windows, read on the screen -----------------------------------------------
 
 # The operator window's layout, from its QML: the menu bar, then the page; in the console the
-# top bar, then the cue list on the left (a third of the window, 320 to 480 wide).
+# top bar, then the cue list on the left (cue_list_width).
 menu_bar=28
 top_bar=56
 # The centre of the cue list's row I (0 first): below the list's header (14 + 30 + 8), rows of

@@ -323,6 +323,82 @@ private slots:
         QVERIFY(!QFileInfo::exists(handCopied));
     }
 
+    void renamingAHandCopiedFilePutsTheOldNameInTheTrash()
+    {
+        const TimerSession s = show(QStringLiteral("Copie manuelle"));
+        m_store->folder();
+        const QString handCopied = projects() + QStringLiteral("/Copie de Gala.orvprjct");
+        writeFile(handCopied, ProjectDocument::encode(s).value());
+        QVERIFY(m_store->rename(handCopied, QStringLiteral("Gala")));
+        QCOMPARE(contents(m_home->file(QStringLiteral(".local/share/Trash/files/Copie de Gala.orvprjct"))),
+                 ProjectDocument::encode(s).value());
+    }
+
+    // One file per show: a show opened from a copy, or from a file made by hand, becomes its
+    // own file, and the file it came from goes to the Trash.
+    void anOpenedCopyBecomesTheShowsOwnFile()
+    {
+        const TimerSession s = show(QStringLiteral("Gala"), 2);
+        const QString own = *m_store->save(s);
+        const QString copy = projects() + QStringLiteral("/Gala (copie).orvprjct");
+        QVERIFY(QFile::copy(own, copy));
+        const TimerSession opened = m_store->read(copy).value();
+        QString error;
+        QCOMPARE(m_store->adopt(copy, opened, &error), own);
+        QCOMPARE(m_store->listProjects(), QStringList{own});
+        QCOMPARE(m_store->read(own).value(), s);
+        QCOMPARE(contents(m_home->file(QStringLiteral(".local/share/Trash/files/Gala (copie).orvprjct"))),
+                 contents(own));
+        // The show's own file is left as it is.
+        QCOMPARE(m_store->adopt(own, opened, &error), own);
+        QCOMPARE(m_store->listProjects(), QStringList{own});
+    }
+
+    void aFileWithoutIdKeepsTheIdItIsGivenOnce()
+    {
+        m_store->folder();
+        const QString handMade = projects() + QStringLiteral("/gala.orvprjct");
+        writeFile(handMade, R"({"name": "Gala", "cues": [{"name": "Accueil", "duration": 300}]})");
+        QString own;
+        for (int opening = 0; opening < 6; ++opening) {
+            const QString path = m_store->listProjects().value(0);
+            const TimerSession opened = m_store->read(path).value();
+            const std::optional<QString> adopted = m_store->adopt(path, opened);
+            QVERIFY(adopted);
+            if (opening == 0)
+                own = *adopted;
+            QCOMPARE(*adopted, own);
+            QCOMPARE(m_store->listProjects(), QStringList{own});
+        }
+        QVERIFY(own.endsWith(UuidText::canonical(m_store->read(own)->id) + QStringLiteral(".orvprjct")));
+    }
+
+    void aFileOutsideTheLibraryStaysWhereItIs()
+    {
+        const QString elsewhere = m_home->file(QStringLiteral("Bureau/gala.orvprjct"));
+        QDir().mkpath(QFileInfo(elsewhere).path());
+        writeFile(elsewhere, ProjectDocument::encode(show(QStringLiteral("Gala"))).value());
+        const TimerSession opened = m_store->read(elsewhere).value();
+        QCOMPARE(m_store->adopt(elsewhere, opened), elsewhere);
+        QVERIFY(QFileInfo::exists(elsewhere));
+        QVERIFY(m_store->listProjects().isEmpty());
+    }
+
+    void aLoopOfLinksIsSaidInFrench()
+    {
+        m_store->folder();
+        const QString a = projects() + QStringLiteral("/a.orvprjct");
+        const QString b = projects() + QStringLiteral("/b.orvprjct");
+        QVERIFY(QFile::link(b, a));
+        QVERIFY(QFile::link(a, b));
+        QString error;
+        QVERIFY(!m_store->read(a, &error));
+        QCOMPARE(error, QStringLiteral("impossible de lire « %1 » (trop de liens symboliques imbriqués)")
+                            .arg(QDir::toNativeSeparators(a)));
+        QVERIFY(!m_store->read(projects() + QStringLiteral("/absent.orvprjct"), &error));
+        QVERIFY2(error.endsWith(QStringLiteral("(fichier ou dossier introuvable)")), qPrintable(error));
+    }
+
     void renamingAnUnreadableFileFails()
     {
         m_store->folder();

@@ -70,6 +70,43 @@ private slots:
         QVERIFY(!cue.id.isNull());
     }
 
+    // A file written by hand or by another program: a length of time is brought within a day,
+    // so that the library, the clock and the report only ever show what a show can hold.
+    void aLengthOfTimeIsBroughtWithinADay_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("negative") << QByteArray("-50") << 0.0;
+        QTest::newRow("a hair below zero") << QByteArray("-0.5") << 0.0;
+        QTest::newRow("zero") << QByteArray("0") << 0.0;
+        QTest::newRow("a day") << QByteArray("86400") << 86400.0;
+        QTest::newRow("a day and a second") << QByteArray("86401") << 86400.0;
+        QTest::newRow("1e300") << QByteArray("1e300") << 86400.0;
+        QTest::newRow("-1e300") << QByteArray("-1e300") << 0.0;
+    }
+
+    void aLengthOfTimeIsBroughtWithinADay()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(double, seconds);
+        const QByteArray cueJson = "{\"duration\": " + json + ", \"warningThreshold\": " + json
+                                   + ", \"dangerThreshold\": " + json + ", \"actualElapsed\": " + json
+                                   + ", \"overtime\": " + json + "}";
+        const Cue cue = ShowCodec::decodeCue(QJsonDocument::fromJson(cueJson).object()).value();
+        QCOMPARE(cue.duration, seconds);
+        QCOMPARE(cue.warningThreshold, seconds);
+        QCOMPARE(cue.dangerThreshold, seconds);
+        QCOMPARE(cue.actualElapsed, seconds);
+        QCOMPARE(cue.overtime, seconds);
+        const QByteArray templateJson = "{\"id\": \"3F2504E0-4F89-41D3-9A0C-0305E82C3301\", \"name\": \"Pause\", \"duration\": " + json
+                                        + ", \"warningThreshold\": " + json + ", \"dangerThreshold\": "
+                                        + json + "}";
+        const CueTemplate t = ShowCodec::decodeTemplate(QJsonDocument::fromJson(templateJson).object()).value();
+        QCOMPARE(t.duration, seconds);
+        QCOMPARE(t.warningThreshold, seconds);
+        QCOMPARE(t.dangerThreshold, seconds);
+    }
+
     void anUnknownModeFailsTheCue()
     {
         QString error;

@@ -11,6 +11,6 @@ geometry() {
     gh=$(awk '/Height:/ {print $NF}' <<<"$info")
 }
 
-# The width of the console's cue list, from its QML: a third of the window set by geometry,
-# 320 to 480 wide.
-cue_list_width() { python3 -c "print(round(max(320, min(480, $gw * 0.33))))"; }
+# The width of the console's cue list, from its QML: a third of a 1150-wide window set by
+# geometry, its share growing to two fifths at 1920, from 320 to 800 wide.
+cue_list_width() { python3 -c "print(round(max(320, min(800, $gw * (0.33 + 0.07 * min(max(($gw - 1150) / 770, 0), 1))))))"; }

@@ -66,13 +66,6 @@ Popup {
         Keys.onEscapePressed: sheet.cancel()
         Keys.onReturnPressed: sheet.save()
         Keys.onEnterPressed: sheet.save()
-        // The keys typed in the sheet are the sheet's: the application's one-key shortcuts
-        // (Space starts the cue) must not act on the show behind it. Keys held with Ctrl, Alt
-        // or Meta still reach the menus.
-        Keys.onShortcutOverride: event => {
-            event.accepted = (event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)) === 0;
-        }
-
         Flickable {
             id: scroller
             anchors.top: parent.top

@@ -1,10 +1,11 @@
 import QtQuick
 import Kairon
 
-// One cue of the console's list: its numbered badge, name and speaker, planned length and
-// auto-follow, what it really took once played, and its edit controls, shown on the selected
-// or pointed row only (a calm list during the show, no stray click on a bin). A click selects
-// the cue; a double click starts it, so a stray click during a show never starts a cue.
+// One cue of the console's list: its numbered badge, name and speaker (whole in a tooltip when
+// cut), planned length, a hard-out cue's end time and auto-follow, what it really took once
+// played, and its edit controls, shown on the selected or pointed row only (a calm list during
+// the show, no stray click on a bin). A click selects the cue; a double click starts it, so a
+// stray click during a show never starts a cue.
 Rectangle {
     id: row
 
@@ -14,6 +15,7 @@ Rectangle {
     required property string number
     required property color badgeColor
     required property string durationText
+    required property string endText
     required property bool autoFollow
     required property bool completed
     required property string actualText
@@ -72,11 +74,10 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 2
 
-        Text {
+        ElidedText {
             objectName: "cueName" + row.index
             width: parent.width
             text: row.name
-            elide: Text.ElideRight
             color: AppTheme.textPrimary
             font.family: AppTheme.textFont
             font.weight: Font.Bold
@@ -94,11 +95,18 @@ Rectangle {
                 font.pixelSize: 14
             }
             Text {
+                objectName: "cueEnd" + row.index
+                visible: row.endText !== ""
+                text: row.endText
+                color: AppTheme.accent
+                font.family: AppTheme.digitsFont
+                font.pixelSize: 14
+            }
+            ElidedText {
                 objectName: "cueSpeaker" + row.index
                 visible: row.speaker !== ""
                 anchors.verticalCenter: parent.verticalCenter
                 width: Math.min(implicitWidth, parent.width * 0.45)
-                elide: Text.ElideRight
                 text: row.speaker
                 color: AppTheme.textSecondary
                 font.family: AppTheme.textFont

@@ -19,11 +19,10 @@ PanelBackground {
         width: parent.width - 28
         spacing: 4
 
-        Text {
+        ElidedText {
             objectName: "consoleCueName"
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
-            elide: Text.ElideRight
             text: timer.presenter.cueTitle
             color: timer.presenter.hasCue ? AppTheme.textSecondary : AppTheme.textMuted
             font.family: AppTheme.textFont
@@ -42,25 +41,32 @@ PanelBackground {
         }
 
         Row {
+            id: details
             anchors.horizontalCenter: parent.horizontalCenter
             spacing: 14
             component Detail: Text {
                 font.family: AppTheme.textFont
                 font.pixelSize: 13
             }
-            Detail { objectName: "consoleElapsed"; text: timer.presenter.elapsedText; color: AppTheme.textSecondary }
-            Detail { objectName: "consoleDayEnd"; text: timer.presenter.dayEndText; color: AppTheme.accent }
+            Detail { id: elapsed; objectName: "consoleElapsed"; text: timer.presenter.elapsedText; color: AppTheme.textSecondary }
+            Detail { id: dayEnd; objectName: "consoleDayEnd"; text: timer.presenter.dayEndText; color: AppTheme.accent }
             Detail {
+                id: drift
                 objectName: "consoleDrift"
                 visible: text !== ""
                 text: timer.presenter.driftText
                 color: AppTheme.stateOvertime
             }
-            Detail {
+            // What comes next takes the room the others leave, cut if need be.
+            ElidedText {
                 objectName: "consoleNext"
                 visible: text !== ""
+                width: Math.min(implicitWidth, column.width - elapsed.width - dayEnd.width
+                                - (drift.visible ? drift.width + details.spacing : 0) - 2 * details.spacing)
                 text: timer.presenter.nextText
                 color: AppTheme.textMuted
+                font.family: AppTheme.textFont
+                font.pixelSize: 13
             }
         }
 

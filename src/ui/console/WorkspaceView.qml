@@ -39,10 +39,13 @@ Rectangle {
 
     CueListPanel {
         id: cueList
+        objectName: "cueListPanel"
         anchors.left: parent.left
         anchors.top: topBar.bottom
         anchors.bottom: parent.bottom
-        width: Math.round(Math.max(320, Math.min(480, root.width * 0.33)))
+        // A third of a 1150-wide window, its share growing to two fifths at 1920 (768 wide), and
+        // no wider than 800: long names show whole while the timer keeps room.
+        width: Math.round(Math.max(320, Math.min(800, root.width * (0.33 + 0.07 * Math.min(Math.max((root.width - 1150) / 770, 0), 1)))))
         engine: root.engine
         console: root.console
         presenter: presenter
@@ -92,6 +95,9 @@ Rectangle {
             }
         }
     }
+
+    // A sheet or a confirmation is open over the console: the editing keys are its own.
+    readonly property bool sheetOpen: deleteDialog.visible || cueEditor.visible || projectSheet.visible
 
     DeleteCueDialog {
         id: deleteDialog

@@ -51,7 +51,10 @@ ConsolePresenter::Frame ConsolePresenter::compute() const
     f.elapsedText = QStringLiteral("Écoulé : ") + TimerEngine::format(e ? e->elapsed() : 0.0, false);
     f.dayEndText = e ? QStringLiteral("Fin journée : ") + Fmt::hhmm().string(e->projectedDayEnd())
                      : QString();
-    if (overtime > 0)
+    // The overtime counts as such once it shows: a cue handed over a few milliseconds past zero
+    // logs those milliseconds, which read "00:00" and must not turn the console red.
+    const bool overtimeShows = overtime >= 1.0;
+    if (overtimeShows)
         f.driftText = QStringLiteral("(+") + TimerEngine::format(overtime, false)
                       + QStringLiteral(" de drift)");
     const std::optional<Cue> next = e ? e->nextCue() : std::nullopt;
@@ -63,7 +66,7 @@ ConsolePresenter::Frame ConsolePresenter::compute() const
                        ? QStringLiteral("Doors ") + TimerEngine::format(e->doorsRemaining(), false)
                        : QStringLiteral("Doors");
     f.overtimeText = QStringLiteral("Dépassement total : ") + TimerEngine::format(overtime, false);
-    f.overtimeColor = toQColor(overtime > 0 ? AppTheme::stateOvertime : AppTheme::textSecondary);
+    f.overtimeColor = toQColor(overtimeShows ? AppTheme::stateOvertime : AppTheme::textSecondary);
     const bool locked = e && e->showLocked();
     f.lockSymbol = locked ? QStringLiteral("lock.fill") : QStringLiteral("lock.open");
     f.lockColor = toQColor(locked ? AppTheme::stateDanger : AppTheme::textSecondary);

@@ -2,6 +2,7 @@
 
 #include "apptheme.h"
 #include "enginetypes.h"
+#include "formatters.h"
 #include "theme.h"
 
 CueListModel::CueListModel(QObject *parent) : QAbstractListModel(parent) {}
@@ -38,6 +39,13 @@ QString CueListModel::actualText(const Cue &cue)
     return text;
 }
 
+QString CueListModel::endText(const Cue &cue)
+{
+    if (cue.mode != TimerMode::HardOut || !cue.hardOutTime)
+        return {};
+    return QStringLiteral("→ ") + Fmt::hhmm().string(*cue.hardOutTime);
+}
+
 QVariant CueListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
@@ -49,6 +57,7 @@ QVariant CueListModel::data(const QModelIndex &index, int role) const
     case NumberRole: return QString::number(index.row() + 1);
     case BadgeColorRole: return toQColor(AppTheme::cueColor(cue).value_or(AppTheme::bgInput));
     case DurationTextRole: return TimerEngine::format(cue.duration, false);
+    case EndTextRole: return endText(cue);
     case AutoFollowRole: return cue.autoFollow;
     case CompletedRole: return cue.actualElapsed.has_value();
     case ActualTextRole: return actualText(cue);
@@ -65,6 +74,7 @@ QHash<int, QByteArray> CueListModel::roleNames() const
             {NumberRole, "number"},
             {BadgeColorRole, "badgeColor"},
             {DurationTextRole, "durationText"},
+            {EndTextRole, "endText"},
             {AutoFollowRole, "autoFollow"},
             {CompletedRole, "completed"},
             {ActualTextRole, "actualText"},
@@ -87,7 +97,8 @@ void CueListModel::syncCues()
     const qsizetype oldCount = m_cues.size();
     const qsizetype newCount = cues.size();
     qsizetype head = 0;
-    while (head < oldCount && head < newCount && m_cues[head] == cues[head])
+    // at(): a read that never copies the rows the undo steps share.
+    while (head < oldCount && head < newCount && m_cues.at(head) == cues.at(head))
         ++head;
     if (head == oldCount && head == newCount) {
         syncMarks();
@@ -95,7 +106,7 @@ void CueListModel::syncCues()
     }
     qsizetype tail = 0;
     while (tail < oldCount - head && tail < newCount - head
-           && m_cues[oldCount - 1 - tail] == cues[newCount - 1 - tail])
+           && m_cues.at(oldCount - 1 - tail) == cues.at(newCount - 1 - tail))
         ++tail;
     const qsizetype oldMiddle = oldCount - head - tail;
     const qsizetype newMiddle = newCount - head - tail;

@@ -23,6 +23,7 @@ public:
         NumberRole,        // "1", "2"…
         BadgeColorRole,    // the cue's colour, or the input grey when it has none
         DurationTextRole,  // the planned length, "20:00"
+        EndTextRole,       // a hard-out cue's end time, "→ 23:30"; empty for a duration cue
         AutoFollowRole,
         CompletedRole,     // it ran and was left: it has an actual time
         ActualTextRole,    // "Réel 20:42 · +00:42"
@@ -42,6 +43,8 @@ public:
 
     // The text of a completed cue's actual time and overtime.
     static QString actualText(const Cue &cue);
+    // The end time of a hard-out cue, in the user's calendar.
+    static QString endText(const Cue &cue);
 
 signals:
     void engineChanged();

@@ -104,7 +104,11 @@ Rectangle {
         }
     }
 
+    // A sheet or a confirmation is open over the library.
+    readonly property bool sheetOpen: (sheet !== null && sheet.visible) || deleteDialog.visible
+
     DeleteProjectDialog {
+        id: deleteDialog
         library: library
         onClosed: list.forceActiveFocus()
     }

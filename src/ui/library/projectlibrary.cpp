@@ -101,10 +101,16 @@ void ProjectLibrary::open(const QString &path)
     if (!m_store)
         return;
     QString error;
-    if (const std::optional<TimerSession> session = m_store->read(path, &error))
-        openSession(*session);
-    else
+    const std::optional<TimerSession> session = m_store->read(path, &error);
+    if (!session) {
         m_toasts->showError(QStringLiteral("Projet illisible : ") + error);
+        return;
+    }
+    // One file per show: a copy or a hand-made file becomes the show's own file now, so that
+    // going back to the library never finds it twice.
+    if (!m_store->adopt(path, *session, &error))
+        m_toasts->showError(QStringLiteral("Échec de sauvegarde : ") + error);
+    openSession(*session);
 }
 
 void ProjectLibrary::create(const QVariant &session)

@@ -29,7 +29,11 @@ Item {
         }
     }
 
+    // A sheet or a confirmation is open over the current page.
+    readonly property bool sheetOpen: (sessionsPage.current && sessionsPage.item?.sheetOpen === true)
+                                      || (workspacePage.current && workspacePage.item?.sheetOpen === true)
+
     Page { stage: AppFlowState.Splash; sourceComponent: root.splash }
-    Page { stage: AppFlowState.Sessions; sourceComponent: root.sessions }
-    Page { stage: AppFlowState.Workspace; sourceComponent: root.workspace }
+    Page { id: sessionsPage; stage: AppFlowState.Sessions; sourceComponent: root.sessions }
+    Page { id: workspacePage; stage: AppFlowState.Workspace; sourceComponent: root.workspace }
 }

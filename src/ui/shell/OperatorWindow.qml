@@ -51,9 +51,12 @@ ApplicationWindow {
 
     AppShortcuts {
         table: window.commandTable
+        sheetOpen: pages.sheetOpen
+        typing: window.activeFocusItem instanceof TextInput || window.activeFocusItem instanceof TextEdit
     }
 
     FlowView {
+        id: pages
         anchors.fill: parent
         flow: window.flow
         splash: SplashView {

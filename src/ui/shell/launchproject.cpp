@@ -28,6 +28,9 @@ std::optional<QString> open(const QString &path, const SessionStore &store, Time
             Qt::SingleShotConnection);
         return text;
     }
+    // A library file not named after its show becomes the show's own file (one file per show).
+    if (!store.adopt(path, *session, &error))
+        toasts.showError(QStringLiteral("Échec de sauvegarde : ") + error);
     engine.loadSession(*session);
     flow.setStageAfterSplash(AppFlowState::Workspace);
     return std::nullopt;

@@ -1,5 +1,6 @@
 #include "showrecovery.h"
 
+#include "diskwrite.h"
 #include "userfolders.h"
 #include "uuidtext.h"
 
@@ -9,6 +10,7 @@
 #include <QMetaMethod>
 #include <QStandardPaths>
 
+#include <cerrno>
 #include <utility>
 
 ShowRecovery::ShowRecovery(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
@@ -51,8 +53,9 @@ bool ShowRecovery::resumeIfInterrupted(const std::optional<QString> &requestedPr
     QFile file(m_path);
     if (!file.exists())
         return false;
+    errno = 0;
     if (!file.open(QIODevice::ReadOnly)) {
-        setAside(file.errorString());
+        setAside(DiskWrite::openFailure(m_path, errno));
         return false;
     }
     QString error;
