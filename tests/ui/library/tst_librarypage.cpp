@@ -199,6 +199,39 @@ private slots:
         QTRY_VERIFY(f.item("workspaceProjectName"));
     }
 
+    // One file per show: a file copied in by hand, and one written without an id, each opened
+    // six times and left through "Projets", stay one row each.
+    void openingAHandMadeFileLeavesOneRowPerShow()
+    {
+        LibraryFixture f;
+        TimerSession gala = LibraryFixture::showNamed(QStringLiteral("Gala"));
+        gala.cues = {durationCue("Ouverture", 600)};
+        f.writeFile(QStringLiteral("Copie de Gala.orvprjct"), ProjectDocument::encode(gala).value(), 20);
+        f.writeFile(QStringLiteral("fait main.orvprjct"),
+                    R"({"name": "Fait main", "cues": [{"name": "Accueil", "duration": -50}]})", 10);
+        f.enter();
+        QCOMPARE(f.listedNames(), (QStringList{"Fait main", "Gala"}));
+        for (int opening = 0; opening < 6; ++opening) {
+            for (const QString &name : {QStringLiteral("Gala"), QStringLiteral("Fait main")}) {
+                QTRY_VERIFY(f.row(name));
+                f.click(f.in(f.row(name), "openProject"));
+                QCOMPARE(f.app.engine.sessionName(), name);
+                QTRY_VERIFY(f.item("backToProjects"));
+                f.click(f.item("backToProjects"));
+                QTRY_COMPARE(f.app.flow.stage(), AppFlowState::Sessions);
+                QTRY_VERIFY(!f.app.console.isSaving());
+                f.enter();
+                QTRY_COMPARE(f.library()->projects()->entries().size(), 2);
+            }
+        }
+        QVERIFY(!f.app.toasts.showing() || f.app.toasts.current()->kind != ToastMessage::Error);
+        QVERIFY(QFileInfo::exists(f.app.home.file(QStringLiteral(".local/share/Trash/files/Copie de Gala.orvprjct"))));
+        QVERIFY(QFileInfo::exists(f.app.home.file(QStringLiteral(".local/share/Trash/files/fait main.orvprjct"))));
+        // The length of -50 s was read as none; the row says so.
+        QQuickItem *handMade = f.row(QStringLiteral("Fait main"));
+        QCOMPARE(f.in(handMade, "projectDetail")->property("text").toString(), QStringLiteral("1 cue · 00:00"));
+    }
+
     void aDoubleClickOnARowOpensIt()
     {
         LibraryFixture f;
