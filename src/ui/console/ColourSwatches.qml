@@ -40,11 +40,10 @@ Column {
         visible: shown
     }
 
-    AbstractButton {
+    ChoiceButton {
         id: automatic
         objectName: "colourAutomatic"
         readonly property bool selected: swatches.current === ""
-        focusPolicy: Qt.StrongFocus
         text: "Automatique (vert / jaune / rouge selon les seuils)"
         onClicked: swatches.chosen("")
         implicitHeight: 26
@@ -95,7 +94,7 @@ Column {
 
         Repeater {
             model: swatches.colours
-            delegate: AbstractButton {
+            delegate: ChoiceButton {
                 id: swatch
                 required property int index
                 required property var modelData
@@ -105,8 +104,7 @@ Column {
                 objectName: "colourSwatch" + index
                 width: 26
                 height: 26
-                focusPolicy: Qt.StrongFocus
-                hoverEnabled: true
+                        hoverEnabled: true
                 onClicked: swatches.chosen(modelData.hex)
 
                 background: Rectangle {

@@ -1,7 +1,8 @@
 // The application's keys while a sheet or a confirmation is open over the console: undo and
 // redo are the sheet's own (a text field undoes its typing) and never reach the cue list behind
 // it; the show's keys (Space, Ctrl+., Ctrl+→/←, Ctrl+B, Ctrl+L, Ctrl+F, Ctrl+K) keep running the
-// show unless a text field has the focus. Real key presses on the real operator window.
+// show unless a text field has the focus (a focused switch or choice keeps Space to toggle
+// itself). Real key presses on the real operator window.
 #include "consolefixture.h"
 #include "settingssandbox.h"
 
@@ -15,12 +16,12 @@ bool typing(QQuickWindow *window)
     return focus && (focus->inherits("QQuickTextInput") || focus->inherits("QQuickTextEdit"));
 }
 
-// Moves the focus with Tab until it leaves the text fields (at most 40 steps).
-void tabOutOfTheTextFields(QQuickWindow *window)
+// Moves the focus with Tab to the item of that name (at most 40 steps).
+void tabTo(QQuickWindow *window, const QString &name)
 {
-    for (int i = 0; i < 40 && typing(window); ++i)
+    for (int i = 0; i < 40 && window->activeFocusItem()->objectName() != name; ++i)
         QTest::keyClick(window, Qt::Key_Tab);
-    QVERIFY(!typing(window));
+    QCOMPARE(window->activeFocusItem()->objectName(), name);
 }
 
 } // namespace
@@ -107,7 +108,12 @@ private slots:
         c.undoIsTheSheets();
         c.showKeysAreTyping();
         keepScreenshot(c.shot(), "sheet-keys-cue-editor-typing");
-        tabOutOfTheTextFields(c.operatorWindow);
+        // On the auto-follow switch, Space toggles it; the show is left alone.
+        tabTo(c.operatorWindow, QStringLiteral("autoFollowSwitch"));
+        c.key(Qt::Key_Space);
+        QVERIFY(c.item("autoFollowSwitch")->property("checked").toBool());
+        QVERIFY(!c.engine.isRunning());
+        tabTo(c.operatorWindow, QStringLiteral("cueEditorCancel"));
         c.undoIsTheSheets();
         c.showKeysRunTheShow();
         QVERIFY(c.shown("cueEditorSave"));
@@ -127,7 +133,7 @@ private slots:
         QTRY_VERIFY(typing(c.operatorWindow));
         c.undoIsTheSheets();
         c.showKeysAreTyping();
-        tabOutOfTheTextFields(c.operatorWindow);
+        tabTo(c.operatorWindow, QStringLiteral("sheetCancel"));
         c.undoIsTheSheets();
         c.showKeysRunTheShow();
         QVERIFY(c.shown("sheetConfirm"));
