@@ -106,11 +106,11 @@ Item {
         }
 
         // What comes next at the left and the message at the right, side by side; in a window
-        // taller than wide, the message goes under it and takes the whole width.
+        // no wider than tall, the message goes under it and takes the whole width.
         Item {
             id: bottomRow
 
-            readonly property bool stacked: root.height > root.width
+            readonly property bool stacked: root.height >= root.width
             readonly property real nextHeight: next.visible ? next.height : 0
             readonly property int gap: Math.round(nextText.font.pixelSize * 0.5)
 
