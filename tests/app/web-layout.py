@@ -11,6 +11,7 @@ import sys
 import urllib.request
 
 from cdp import Chromium
+from checks import check, finish
 
 port, code, workdir = int(sys.argv[1]), sys.argv[2], sys.argv[3]
 base = f"http://127.0.0.1:{port}"
@@ -28,16 +29,6 @@ LONG_MESSAGE = (
     "minuit pour tous les invités de la fondation et leurs familles venues de loin.")
 SIXTY_FIVE = "Merci de conclure, il reste deux minutes avant la pause déjeuner"
 HUNDRED_FIFTY = SIXTY_FIVE + " ; les lauréats sont attendus en coulisses pour la photographie officielle à 13 h 30 !"
-
-failures = []
-
-
-def check(condition, what):
-    if not condition:
-        failures.append(what)
-        print(f"FAIL: {what}", flush=True)
-    return condition
-
 
 def post(command, body=None):
     data = json.dumps(body).encode() if body is not None else None
@@ -219,7 +210,4 @@ async def run():
 
 
 asyncio.run(run())
-if failures:
-    print(f"{len(failures)} failure(s)")
-    sys.exit(1)
-print("web layout: banners, messages, digits and bars whole at every size")
+finish("web layout: banners, messages, digits and bars whole at every size")

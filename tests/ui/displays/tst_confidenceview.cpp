@@ -9,24 +9,6 @@ namespace {
 
 const QColor bgDeep = toQColor(AppTheme::bgDeep);
 
-// Where an item lies in the window, in pixels, even where it passes the window's edges.
-QRect unclippedRect(const QQuickItem *item)
-{
-    return item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toAlignedRect();
-}
-
-// The smallest rectangle holding every pixel of `rect` drawn in `colour`.
-QRect inkOf(const QImage &shot, const QRect &rect, const QColor &colour)
-{
-    QRect ink;
-    const QRect inside = rect.intersected(shot.rect());
-    for (int y = inside.top(); y <= inside.bottom(); ++y)
-        for (int x = inside.left(); x <= inside.right(); ++x)
-            if (near(QColor(shot.pixel(x, y)), colour, 6))
-                ink |= QRect(x, y, 1, 1);
-    return ink;
-}
-
 Cue speakerCue(const QString &name, const QString &speaker, double duration)
 {
     Cue cue = durationCue(name, duration);
@@ -146,10 +128,10 @@ private slots:
 
         // Drawn: the message's ink spans its lines, within the window.
         const double drawnHeight = text->property("drawnHeight").toDouble();
-        const QRect box = unclippedRect(text);
+        const QRect box = sceneBounds(text);
         const QRect drawn(box.left(), qFloor(box.center().y() - drawnHeight / 2), box.width(), qCeil(drawnHeight));
         QVERIFY(drawn.top() >= 0 && drawn.bottom() < size.height() && box.left() >= 0 && box.right() < size.width());
-        const QRect ink = inkOf(shot, drawn, toQColor(AppTheme::accent));
+        const QRect ink = inkOf(shot, drawn, toQColor(AppTheme::accent), 6);
         const double lineHeight = text->property("contentHeight").toDouble() / lines;
         QVERIFY2(ink.height() > (lines - 1) * lineHeight,
                  qPrintable(QStringLiteral("ink %1 high for %2 lines of %3").arg(ink.height()).arg(lines).arg(lineHeight)));
@@ -157,10 +139,10 @@ private slots:
         // The time whole: under the wall clock, above the message, in the window.
         QQuickItem *time = f.item("confidenceTime");
         QCOMPARE(time->property("text").toString(), QStringLiteral("08:20"));
-        const QRect timeRect = unclippedRect(time);
-        QVERIFY2(timeRect.top() >= unclippedRect(f.item("wallClock")).bottom() && timeRect.bottom() < drawn.top(),
+        const QRect timeRect = sceneBounds(time);
+        QVERIFY2(timeRect.top() >= sceneBounds(f.item("wallClock")).bottom() && timeRect.bottom() < drawn.top(),
                  qPrintable(QStringLiteral("time %1..%2, message from %3").arg(timeRect.top()).arg(timeRect.bottom()).arg(drawn.top())));
-        const QRect digits = inkOf(shot, timeRect, toQColor(AppTheme::stateNormal));
+        const QRect digits = inkOf(shot, timeRect, toQColor(AppTheme::stateNormal), 6);
         QVERIFY(digits.top() > timeRect.top() && digits.bottom() < timeRect.bottom());
         QVERIFY2(digits.width() > size.width() * 0.2, qPrintable(QString::number(digits.width())));
     }

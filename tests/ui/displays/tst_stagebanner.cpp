@@ -16,24 +16,6 @@ const QString longMessage = QStringLiteral(
     "avant le dîner servi dans les salons du premier étage où l'orchestre de chambre jouera jusqu'à "
     "minuit pour tous les invités de la fondation et leurs familles venues de loin.");
 
-// Where an item lies in the window, in pixels, even where it passes the window's edges.
-QRect unclippedRect(const QQuickItem *item)
-{
-    return item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toAlignedRect();
-}
-
-// The smallest rectangle holding every pixel of `rect` drawn in `colour`.
-QRect inkOf(const QImage &shot, const QRect &rect, const QColor &colour)
-{
-    QRect ink;
-    const QRect inside = rect.intersected(shot.rect());
-    for (int y = inside.top(); y <= inside.bottom(); ++y)
-        for (int x = inside.left(); x <= inside.right(); ++x)
-            if (near(QColor(shot.pixel(x, y)), colour))
-                ink |= QRect(x, y, 1, 1);
-    return ink;
-}
-
 QString tagOf(const QSize &size)
 {
     return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
@@ -108,7 +90,7 @@ private slots:
         f.grab(); // laid out
         QQuickItem *time = f.item("stageTime");
         QQuickItem *bar = f.item("progressBar");
-        const QRect timeAlone = unclippedRect(time);
+        const QRect timeAlone = sceneBounds(time);
         const int fullSize = pixelSize(time);
         QCOMPARE(fullSize, qRound(size.width() * 0.22));
 
@@ -140,8 +122,8 @@ private slots:
         // The digits whole: the name, the digits and the bar inside the window, above the
         // banner, and the green ink of "07:30" with a blank row above and below it.
         QCOMPARE(time->property("text").toString(), QStringLiteral("07:30"));
-        const QRect digits = unclippedRect(time);
-        const QRect name = unclippedRect(f.item("cueName"));
+        const QRect digits = sceneBounds(time);
+        const QRect name = sceneBounds(f.item("cueName"));
         QVERIFY2(name.top() >= 0 && name.bottom() < digits.top() && digits.bottom() < track.top(),
                  qPrintable(QStringLiteral("name %1..%2, digits %3..%4, bar at %5")
                                 .arg(name.top()).arg(name.bottom()).arg(digits.top()).arg(digits.bottom()).arg(track.top())));
@@ -203,8 +185,8 @@ private slots:
         const QRect area = f.sceneRect(f.item("banner"));
         QCOMPARE(area.bottom() + 1, size.height() - 60);
         QVERIFY(area.top() >= qFloor(size.height() * 0.5));
-        QVERIFY(unclippedRect(f.item("progressBar")).bottom() < area.top());
-        QVERIFY(unclippedRect(f.item("stageTime")).top() >= 0);
+        QVERIFY(sceneBounds(f.item("progressBar")).bottom() < area.top());
+        QVERIFY(sceneBounds(f.item("stageTime")).top() >= 0);
     }
 
     // The wall clock and the doors countdown are digits too.
@@ -235,8 +217,8 @@ private slots:
         QCOMPARE(top, f.sceneRect(f.item("banner")).top());
         QQuickItem *digits = f.item(doors ? "doorsTime" : "clockTime");
         QQuickItem *other = f.item(doors ? "doorsTitle" : "clockDate");
-        const QRect digitsRect = unclippedRect(digits);
-        const QRect otherRect = unclippedRect(other);
+        const QRect digitsRect = sceneBounds(digits);
+        const QRect otherRect = sceneBounds(other);
         QVERIFY2(digitsRect.top() >= 0 && otherRect.top() >= 0 && digitsRect.bottom() < top && otherRect.bottom() < top,
                  qPrintable(QStringLiteral("digits %1..%2, banner from %3").arg(digitsRect.top()).arg(digitsRect.bottom()).arg(top)));
         const QRect ink = inkOf(shot, digitsRect, doors ? toQColor(AppTheme::accent) : QColor(Qt::white));
