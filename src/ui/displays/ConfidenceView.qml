@@ -2,8 +2,8 @@ import QtQuick
 import Kairon
 
 // The floor monitor: the wall clock and the speaker at the top, the cue and its time in the
-// centre, what comes next and the whole message at the bottom. It always shows the timer, whatever
-// the stage display shows.
+// centre, what comes next and the whole message at the bottom. It always shows the timer,
+// whatever the stage display shows.
 Item {
     id: root
 

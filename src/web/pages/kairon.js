@@ -307,12 +307,6 @@ export function fittedSize(element, text, size, width) {
     return Math.max(Math.round(size * 0.2), Math.min(Math.round(size), Math.floor(size * width / natural)));
 }
 
-// One line of `text` at `size` pixels, made smaller when it would be wider than `width`.
-export function fitText(element, text, size, width) {
-    setText(element, text);
-    setStyle(element, "font-size", `${fittedSize(element, text, size, width)}px`);
-}
-
 // The line height of wrapped texts, in ems, as the pages' style sheet gives it: Inter's own, as
 // on the desktop displays.
 const lineHeight = 1.21;

@@ -8,8 +8,7 @@ import {
 const $ = (id) => document.getElementById(id);
 const view = {
     blackout: $("blackout"), doors: $("doors"), doorsTitle: $("doors-title"), doorsTime: $("doors-time"),
-    clock: $("clock"),
-    clockTime: $("clock-time"), clockDate: $("clock-date"), timer: $("timer"), cueName: $("cue-name"),
+    clock: $("clock"), clockTime: $("clock-time"), clockDate: $("clock-date"), timer: $("timer"), cueName: $("cue-name"),
     time: $("time"), progress: $("progress"), progressFill: $("progress-fill"), freeze: $("freeze"),
     blink: $("blink"), banner: $("banner"),
 };
@@ -51,7 +50,8 @@ function drawTimer(state, now, width, bottom) {
     const colour = stateColor(cue, value);
     show(view.cueName, cue !== null);
     setText(view.cueName, cue ? cue.name : "");
-    const timeSize = lineOf(view.time, formatCountdown(value, true), width * 0.22, Math.round(width * 0.96));
+    const text = formatCountdown(value, true);
+    const timeSize = lineOf(view.time, text, width * 0.22, Math.round(width * 0.96));
     setStyle(view.time, "color", colour);
     setStyle(view.time, "opacity", value < 0 && !flash.on ? "0.35" : "1");
 
@@ -67,7 +67,8 @@ function drawTimer(state, now, width, bottom) {
     setStyle(view.progressFill, "background", colour);
     show(view.progressFill, filled > 0);
     show(view.freeze, state.freeze);
-    placeAbove(view.timer, [[view.cueName, Math.max(14, Math.min(width * 0.035, 44))], [view.time, timeSize]], bottom);
+    const nameSize = Math.max(14, Math.min(width * 0.035, 44));
+    placeAbove(view.timer, [[view.cueName, nameSize], [view.time, timeSize]], bottom);
 
     let due = shown.nextChange(now, cue);
     if (elapsedRuns && planned > 0 && fraction < 1) {
@@ -80,15 +81,18 @@ function drawTimer(state, now, width, bottom) {
 
 function drawDoors(state, now, width, bottom) {
     const left = (state.doorsTargetMs - now) / 1000;
-    const timeSize = lineOf(view.doorsTime, formatCountdown(Math.max(left, 0), false), width * 0.18, width);
-    placeAbove(view.doors, [[view.doorsTitle, Math.max(14, Math.min(width * 0.03, 36))], [view.doorsTime, timeSize]], bottom);
+    const text = formatCountdown(Math.max(left, 0), false);
+    const timeSize = lineOf(view.doorsTime, text, width * 0.18, width);
+    const titleSize = Math.max(14, Math.min(width * 0.03, 36));
+    placeAbove(view.doors, [[view.doorsTitle, titleSize], [view.doorsTime, timeSize]], bottom);
     return nextChangeCountingTo(state.doorsTargetMs, now);
 }
 
 function drawClock(state, now, width, bottom) {
     const timeSize = lineOf(view.clockTime, timeOfDay(state, now), width * 0.2, width);
     setText(view.clockDate, fullDate(state, now));
-    placeAbove(view.clock, [[view.clockTime, timeSize], [view.clockDate, Math.max(14, Math.min(width * 0.025, 28))]], bottom);
+    const dateSize = Math.max(14, Math.min(width * 0.025, 28));
+    placeAbove(view.clock, [[view.clockTime, timeSize], [view.clockDate, dateSize]], bottom);
     return nextWholeSecond(now);
 }
 
