@@ -2,6 +2,7 @@
 
 #include "brand.h"
 #include "formatters.h"
+#include "textfit.h"
 #include "userfolders.h"
 #include "timerengine.h"
 #include "walltime.h"
@@ -9,33 +10,24 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFont>
+#include <QFontMetricsF>
 #include <QPageSize>
 #include <QPdfWriter>
 #include <QStringList>
-#include <QTextBoundaryFinder>
 
 namespace {
 
 constexpr double pageWidth = 595;
 constexpr double pageHeight = 842;
 const QColor accent = QColor::fromRgbF(1.0, 0.42, 0.0);
+// The least blank between a column's text and the next column: small, so that every text the
+// character limits let through in ordinary letters stays whole.
+constexpr double columnGap = 2;
+const QString infoSeparator = QStringLiteral("   ·   ");
 
 QColor grey(double white)
 {
     return QColor::fromRgbF(white, white, white);
-}
-
-// The first `keep` characters and "…" when the text has more than `limit` characters (letters
-// as a reader counts them, accents and all).
-QString shortened(const QString &text, int limit)
-{
-    QTextBoundaryFinder graphemes(QTextBoundaryFinder::Grapheme, text);
-    QList<qsizetype> ends;
-    while (graphemes.toNextBoundary() > 0)
-        ends << graphemes.position();
-    if (ends.size() <= limit)
-        return text;
-    return text.left(ends[limit - 2]) + QStringLiteral("…");
 }
 
 } // namespace
@@ -58,17 +50,31 @@ QDateTime RundownPDFExporter::showStart(const TimerSession &session, const QDate
     return WallTime::instantAt(now.toTimeZone(zone).date(), 20, 0, zone).value_or(now);
 }
 
-void RundownPDFExporter::text(const QString &string, double x, double y, double size,
-                              Weight weight, const QColor &colour)
+QFont RundownPDFExporter::fontOf(double size, Weight weight)
 {
     QFont font(QStringLiteral("DejaVu Sans")); // its digits are all the same width
     font.setPointSizeF(size);
     font.setWeight(weight == Weight::Bold ? QFont::Bold
                    : weight == Weight::Medium ? QFont::Medium
                                               : QFont::Normal);
+    return font;
+}
+
+TextFit::Advance RundownPDFExporter::advanceOf(const QFont &font) const
+{
+    return [metrics = QFontMetricsF(font, m_painter.device())](const QString &s) {
+        return metrics.horizontalAdvance(s);
+    };
+}
+
+void RundownPDFExporter::text(const QString &string, double x, double y, double size,
+                              Weight weight, const QColor &colour, double right)
+{
+    const QFont font = fontOf(size, weight);
     m_painter.setFont(font);
     m_painter.setPen(colour);
-    m_painter.drawText(QPointF(x, pageHeight - y), string); // the baseline at (x, y)
+    // The baseline at (x, y); a text that would reach `right` is cut short by its width.
+    m_painter.drawText(QPointF(x, pageHeight - y), TextFit::toWidth(string, right - x, advanceOf(font)));
 }
 
 double RundownPDFExporter::drawHeader(const TimerSession &session, double y)
@@ -84,11 +90,20 @@ double RundownPDFExporter::drawHeader(const TimerSession &session, double y)
         info << QStringLiteral("Lieu : ") + *session.venue;
     if (session.operatorName && !session.operatorName->isEmpty())
         info << QStringLiteral("Régie : ") + *session.operatorName;
-    if (session.eventDate)
-        info << m_locale.toString(session.eventDate->toTimeZone(m_zone).date(), QLocale::LongFormat);
     double running = y - 54;
-    if (!info.isEmpty()) {
-        text(info.join(QStringLiteral("   ·   ")), 46, y - 65, 10, Weight::Regular, grey(0.3));
+    if (!info.isEmpty() || session.eventDate) {
+        // The date is kept whole: the client, venue and operator share the rest of the line.
+        const TextFit::Advance advance = advanceOf(fontOf(10, Weight::Regular));
+        const QString date = session.eventDate
+            ? m_locale.toString(session.eventDate->toTimeZone(m_zone).date(), QLocale::LongFormat)
+            : QString();
+        const qsizetype separators = info.size() - (session.eventDate ? 0 : 1);
+        const double room = rightEdge - 46 - double(separators) * advance(infoSeparator)
+            - (session.eventDate ? advance(date) : 0);
+        info = TextFit::sharingWidth(info, room, advance);
+        if (session.eventDate)
+            info << date;
+        text(info.join(infoSeparator), 46, y - 65, 10, Weight::Regular, grey(0.3));
         running -= 18;
     }
 
@@ -115,10 +130,10 @@ void RundownPDFExporter::drawTableHeader(double y)
 void RundownPDFExporter::drawRow(const Cue &cue, const QDateTime &start, const QDateTime &end, double y)
 {
     const DateFormatter hhmm(QStringLiteral("HH:mm"), m_locale, m_zone);
-    text(hhmm.string(start), 46, y, 10, Weight::Medium, Qt::black);
-    text(hhmm.string(end), 98, y, 10, Weight::Regular, grey(0.4));
-    text(shortened(cue.name, 34), 156, y, 10, Weight::Regular, Qt::black);
-    text(shortened(cue.speaker, 22), 336, y, 10, Weight::Regular, grey(0.3));
+    text(hhmm.string(start), 46, y, 10, Weight::Medium, Qt::black, 98 - columnGap);
+    text(hhmm.string(end), 98, y, 10, Weight::Regular, grey(0.4), 156 - columnGap);
+    text(TextFit::toCharacters(cue.name, 34), 156, y, 10, Weight::Regular, Qt::black, 336 - columnGap);
+    text(TextFit::toCharacters(cue.speaker, 22), 336, y, 10, Weight::Regular, grey(0.3), 466 - columnGap);
     text(TimerEngine::format(cue.duration, false), 466, y, 10, Weight::Medium, Qt::black);
 }
 
@@ -158,8 +173,10 @@ bool RundownPDFExporter::write(const TimerSession &session, QIODevice *device,
             tableY = page.drawHeader(session, 796) - 8;
         } else {
             // White on the plain page: the continuation title is there, but unseen.
-            page.text(QStringLiteral("RUNDOWN — ") + session.name + QStringLiteral(" (suite)"), 46, 782,
-                      13, Weight::Bold, Qt::white);
+            const QString before = QStringLiteral("RUNDOWN — "), after = QStringLiteral(" (suite)");
+            const TextFit::Advance advance = page.advanceOf(fontOf(13, Weight::Bold));
+            const QString name = TextFit::toWidth(session.name, rightEdge - 46 - advance(before + after), advance);
+            page.text(before + name + after, 46, 782, 13, Weight::Bold, Qt::white);
             tableY = 754;
         }
         page.drawTableHeader(tableY);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "reportfiles.h"
+#include "textfit.h"
 #include "timersession.h"
 
 #include <QDateTime>
+#include <QFont>
 #include <QLocale>
 #include <QPainter>
 #include <QString>
@@ -34,6 +36,8 @@ public:
                       const QLocale &locale, const QTimeZone &zone);
 
     static constexpr int cuesPerPage = 24;
+    // The right end of the table's rule: no text goes past it, as none starts left of 46.
+    static constexpr double rightEdge = 549;
 
 private:
     RundownPDFExporter(QPainter &painter, const QLocale &locale, const QTimeZone &zone)
@@ -48,7 +52,12 @@ private:
     void drawFooter(const QDateTime &now);
 
     enum class Weight { Regular, Medium, Bold };
-    void text(const QString &text, double x, double y, double size, Weight weight, const QColor &colour);
+    static QFont fontOf(double size, Weight weight);
+    // The width of a text in that font, in points.
+    TextFit::Advance advanceOf(const QFont &font) const;
+    // Draws the text with its baseline at (x, y), shortened with "…" where it would pass `right`.
+    void text(const QString &text, double x, double y, double size, Weight weight, const QColor &colour,
+              double right = rightEdge);
 
     QPainter &m_painter;
     QLocale m_locale;

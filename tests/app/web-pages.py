@@ -17,6 +17,7 @@ import time
 import zoneinfo
 
 from cdp import Chromium
+from checks import check, finish
 
 kairon, show, port, code, workdir = sys.argv[1], sys.argv[2], int(sys.argv[3]), sys.argv[4], sys.argv[5]
 base = f"http://127.0.0.1:{port}"
@@ -38,16 +39,6 @@ def over_background(rgb, opacity, under=(10, 10, 12)):
 DIM_OVERTIME = over_background(OVERTIME, 0.35)
 BLINK_ORANGE, BLINK_WHITE = over_background(ACCENT, 0.85), over_background(WHITE, 0.85)
 DIM_BANNER = over_background(OVERTIME, 0.5)
-
-failures = []
-
-
-def check(condition, what):
-    if not condition:
-        failures.append(what)
-        print(f"FAIL: {what}", flush=True)
-    return condition
-
 
 # ---- The program ------------------------------------------------------------------------------
 
@@ -491,7 +482,4 @@ async def scenario(app, browser):
 
 
 asyncio.run(run())
-if failures:
-    print(f"{len(failures)} failure(s)")
-    sys.exit(1)
-print("web pages: every state, its colours, its timing and the connection as expected")
+finish("web pages: every state, its colours, its timing and the connection as expected")

@@ -285,6 +285,102 @@ private slots:
         QVERIFY(page.lineAt(336, 666).startsWith(QStringLiteral("Jean-Éric de Montréal… ")));
     }
 
+    // A gala of 20 cues with wide French names, and a client, venue and operator that fill the
+    // information line: every word stays on the page and inside its column, no two words touch,
+    // and what is cut is cut by its width, with "…".
+    void wideNamesNeverOverprint()
+    {
+        TimerSession s;
+        s.name = QStringLiteral("Grand Gala des Lumières de la Fondation Œttinger pour la Musique et les Arts");
+        s.client = QStringLiteral("Fondation Œttinger pour la Musique");
+        s.venue = QStringLiteral("Théâtre des Champs-Élysées, Grande Salle");
+        s.operatorName = QStringLiteral("Léo Würm");
+        s.eventDate = QDateTime(QDate(2026, 11, 21), QTime(19, 30), paris);
+        const QStringList names = {
+            QStringLiteral("Hommage à Geneviève Œttinger (1932–2024)"), QStringLiteral("MÉMOIRES D'ŒUVRES — MOZART"),
+            QStringLiteral("WWW — ŒUVRES MAJEURES DU XXᵉ SIÈCLE"), QStringLiteral("Ouverture"),
+            QStringLiteral("Œuvres de Dvořák, Wagner et Mendelssohn"), QString(33, u'M'),
+            QStringLiteral("Récital : « Élégies » de Gabriel Fauré"), QStringLiteral("Entracte"),
+            QStringLiteral("ÉCHANGES AVEC LES MÉCÈNES ÀÉÈÊÔÛÇŒÆ"), QStringLiteral("Remise du Prix Œttinger-Würmser"),
+            QStringLiteral("Quatuor Ébène — Schubert, « La Jeune Fille »"), QStringLiteral("Témoignages"),
+            QStringLiteral("Lecture : Marguerite Yourcenar"), QStringLiteral("WAGNER, MAHLER, MOZART & MONTEVERDI"),
+            QStringLiteral("Chœur de l'Opéra — « Va, pensiero »"), QStringLiteral("Pause"),
+            QStringLiteral("Danse : « Le Mépris » (création mondiale)"), QStringLiteral("Remerciements"),
+            QStringLiteral("Finale — Boléro de Maurice Ravel"), QStringLiteral("Clôture"),
+        };
+        const QStringList speakers = {
+            QStringLiteral("Anaïs Château"), QStringLiteral("WOLFGANG-MAXIMILIEN WÜRM"),
+            QStringLiteral("Mme Geneviève Dœuvre"), QStringLiteral("Léa"),
+            QStringLiteral("Ensemble Œuvres Vives"), QString(22, u'M'),
+            QStringLiteral("Hélène Grimaud-Wœrth"), QString(),
+            QStringLiteral("ÉMILE & MAËLLE ŒHMANN"), QStringLiteral("Jean-Édouard Würmser"),
+            QStringLiteral("Quatuor Ébène"), QStringLiteral("Témoins"),
+            QStringLiteral("Guillaume Gallienne"), QStringLiteral("ORCHESTRE NATIONAL WWW"),
+            QStringLiteral("Chœur de l'Opéra"), QString(),
+            QStringLiteral("Compagnie Maguy Marin"), QStringLiteral("Maëlle Château-Würmser"),
+            QStringLiteral("Orchestre de Paris"), QStringLiteral("Anaïs Château"),
+        };
+        for (int i = 0; i < 20; ++i) {
+            Cue cue;
+            cue.name = names[i];
+            cue.speaker = speakers[i];
+            cue.duration = i == 5 ? 5400 : 600;
+            s.cues << cue;
+        }
+        const QList<Page> pages = pagesOf(render(s, QStringLiteral("wide-names")));
+        QCOMPARE(pages.size(), 1);
+        const Page &page = pages[0];
+        QVERIFY(page.words.size() > 150);
+
+        // On the page, and within the table's width (46 to 549).
+        for (const Word &w : page.words) {
+            QVERIFY2(w.xMin >= 46 - 0.5 && w.xMax <= 549 + 0.5 && w.yMin >= 0 && w.yMax <= 842,
+                     qPrintable(QStringLiteral("%1 at %2..%3").arg(w.text).arg(w.xMin).arg(w.xMax)));
+        }
+        // No two words overlap.
+        for (qsizetype i = 0; i < page.words.size(); ++i) {
+            for (qsizetype j = i + 1; j < page.words.size(); ++j) {
+                const Word &a = page.words[i], &b = page.words[j];
+                const bool apart = a.xMax <= b.xMin + 0.01 || b.xMax <= a.xMin + 0.01
+                                   || a.yMax <= b.yMin + 0.01 || b.yMax <= a.yMin + 0.01;
+                QVERIFY2(apart, qPrintable(QStringLiteral("« %1 » (%2..%3) over « %4 » (%5..%6)")
+                                               .arg(a.text).arg(a.xMin).arg(a.xMax)
+                                               .arg(b.text).arg(b.xMin).arg(b.xMax)));
+            }
+        }
+        // Each cell ends before the next column begins.
+        const double columns[] = {46, 98, 156, 336, 466, 549};
+        for (int row = 0; row < 20; ++row) {
+            const double y = 670 - 22 * row;
+            for (int c = 0; c < 5; ++c)
+                for (const Word &w : wordsAt(page, y, columns[c], columns[c + 1]))
+                    QVERIFY2(w.xMax <= columns[c + 1] - 2 + 0.01,
+                             qPrintable(QStringLiteral("row %1: %2 ends at %3").arg(row + 1).arg(w.text).arg(w.xMax)));
+        }
+
+        // The date is whole; the longest pieces before it are cut, by their width.
+        const QString info = page.lineAt(46, 731);
+        QVERIFY2(info.endsWith(QStringLiteral(" · samedi 21 novembre 2026")), qPrintable(info));
+        QVERIFY2(info.startsWith(QStringLiteral("Client : Fondation")) && info.contains(QStringLiteral("… · Lieu : Théâtre")),
+                 qPrintable(info));
+        QVERIFY2(info.contains(QStringLiteral("· Régie : Léo Würm ·")), qPrintable(info));
+        const QString title = page.lineAt(46, 750);
+        QVERIFY2(title.startsWith(QStringLiteral("Grand Gala des Lumières")) && title.endsWith(QStringLiteral("…")),
+                 qPrintable(title));
+
+        // A wide name is cut further than its 34 characters, a short one is whole, and the
+        // speaker beside it is whole.
+        const QString first = page.lineAt(156, 670).section(QStringLiteral(" Anaïs"), 0, 0);
+        QVERIFY2(first.endsWith(QStringLiteral("…")) && first.size() < 34
+                     && QStringLiteral("Hommage à Geneviève Œttinger (1932–2024)").startsWith(first.chopped(1)),
+                 qPrintable(first));
+        expectRow(page, 670 - 22 * 3, {"20:00", "20:10", "Ouverture", "Léa", "10:00"});
+        QVERIFY(page.lineAt(336, 670).startsWith(QStringLiteral("Anaïs Château 10:00")));
+        // "M" is 8.62 points wide at 10 points and "…" 10: 19 of them and "…" in the cue's 178
+        // points (180 less a blank of 2), 13 in the speaker's 128.
+        expectRow(page, 670 - 22 * 5, {"20:20", "21:50", "MMMMMMMMMMMMMMMMMMM…", "MMMMMMMMMMMMM…", "1:30:00"});
+    }
+
     void theShowStartsAtTheEventTimeOrAtEightPm_data()
     {
         QTest::addColumn<std::optional<QDateTime>>("eventDate");

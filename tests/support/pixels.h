@@ -44,6 +44,19 @@ inline QColor dominantColour(const QImage &image, const QRect &rect, const QColo
     return QColor::fromRgb(best);
 }
 
+// The smallest rectangle holding every pixel of `rect` drawn in `colour` (give or take
+// `tolerance`): where glyphs of that colour lie. Empty when there is none.
+inline QRect inkOf(const QImage &image, const QRect &rect, const QColor &colour, int tolerance = 2)
+{
+    QRect ink;
+    const QRect inside = rect.intersected(image.rect());
+    for (int y = inside.top(); y <= inside.bottom(); ++y)
+        for (int x = inside.left(); x <= inside.right(); ++x)
+            if (near(QColor(image.pixel(x, y)), colour, tolerance))
+                ink |= QRect(x, y, 1, 1);
+    return ink;
+}
+
 // `over` at `opacity` on `under`, as the renderer blends them.
 inline QColor blend(const QColor &over, double opacity, const QColor &under)
 {

@@ -17,6 +17,12 @@ inline QQuickItem *findQuickItem(QQuickItem *from, const QString &name)
     return nullptr;
 }
 
+// Where an item lies in its window, in pixels, even where it passes the window's edges.
+inline QRect sceneBounds(const QQuickItem *item)
+{
+    return item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toAlignedRect();
+}
+
 // The pixel size of a text item's font.
 inline int pixelSize(const QQuickItem *item)
 {

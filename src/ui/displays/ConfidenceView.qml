@@ -2,8 +2,8 @@ import QtQuick
 import Kairon
 
 // The floor monitor: the wall clock and the speaker at the top, the cue and its time in the
-// centre, what comes next and the message at the bottom. It always shows the timer, whatever
-// the stage display shows.
+// centre, what comes next and the whole message at the bottom. It always shows the timer,
+// whatever the stage display shows.
 Item {
     id: root
 
@@ -57,10 +57,29 @@ Item {
             font.pixelSize: Math.round(root.width * 0.04)
         }
 
-        Column {
+        FontMetrics {
+            id: nameMetrics
+            font.family: AppTheme.textFont
+            font.weight: Font.DemiBold
+            font.pixelSize: Math.round(root.width * 0.035)
+        }
+
+        FontMetrics {
+            id: timeMetrics
+            font.family: AppTheme.digitsFont
+            font.weight: Font.Bold
+            font.pixelSize: Math.round(root.width * 0.16)
+        }
+
+        // Centred between the top and bottom rows, and smaller when a long message leaves them
+        // less room than its size: the time is never hidden.
+        FittedColumn {
             id: centre
-            width: parent.width
-            y: Math.round(wallClock.height + (bottomRow.y - wallClock.height - height) / 2)
+            objectName: "centre"
+            bandTop: wallClock.height
+            bandBottom: bottomRow.y
+            bandCentre: (bandTop + bandBottom) / 2
+            textHeight: (confidence.hasCue ? nameMetrics.height : 0) + timeMetrics.height
 
             Text {
                 objectName: "cueName"
@@ -72,7 +91,7 @@ Item {
                 elide: Text.ElideRight
                 font.family: AppTheme.textFont
                 font.weight: Font.DemiBold
-                font.pixelSize: Math.round(root.width * 0.035)
+                font.pixelSize: Math.round(centre.scaled(root.width * 0.035))
             }
 
             FitText {
@@ -82,21 +101,29 @@ Item {
                 color: confidence.stateColor
                 font.family: AppTheme.digitsFont
                 font.weight: Font.Bold
-                size: root.width * 0.16
+                size: centre.scaled(root.width * 0.16)
             }
         }
 
+        // What comes next at the left and the message at the right, side by side; in a window
+        // no wider than tall, the message goes under it and takes the whole width.
         Item {
             id: bottomRow
+
+            readonly property bool stacked: root.height >= root.width
+            readonly property real nextHeight: next.visible ? next.height : 0
+            readonly property int gap: Math.round(nextText.font.pixelSize * 0.5)
+
             width: parent.width
-            height: Math.max(next.height, message.height)
+            height: stacked ? nextHeight + (next.visible && message.visible ? gap : 0) + message.drawnHeight
+                            : Math.max(nextHeight, message.drawnHeight)
             anchors.bottom: parent.bottom
 
             Row {
                 id: next
                 objectName: "next"
                 anchors.left: parent.left
-                anchors.verticalCenter: parent.verticalCenter
+                y: bottomRow.stacked ? 0 : Math.round((bottomRow.height - height) / 2)
                 spacing: Math.round(nextText.font.pixelSize * 0.35)
                 visible: confidence.hasNext
 
@@ -112,7 +139,8 @@ Item {
                 Text {
                     id: nextText
                     objectName: "nextText"
-                    width: Math.min(implicitWidth, bottomRow.width * 0.5 - arrow.width - next.spacing)
+                    width: Math.min(implicitWidth, bottomRow.width * (bottomRow.stacked ? 1 : 0.5)
+                                                   - arrow.width - next.spacing)
                     text: confidence.nextText
                     color: AppTheme.textMuted
                     elide: Text.ElideRight
@@ -122,20 +150,27 @@ Item {
                 }
             }
 
-            Text {
+            // Whole: wrapped on up to three lines, then smaller, and never higher than 30 % of
+            // the window.
+            WrappedFitText {
                 id: message
                 objectName: "message"
                 anchors.right: parent.right
-                anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, parent.width * 0.48)
+                // What it draws is centred in the item, which may be taller: that goes at the
+                // bottom when stacked, else in the middle of the row.
+                y: Math.round((bottomRow.stacked ? bottomRow.height - drawnHeight
+                                                 : (bottomRow.height - drawnHeight) / 2)
+                              - (height - drawnHeight) / 2)
+                maxWidth: parent.width * (bottomRow.stacked ? 1 : 0.48)
+                maxHeight: root.height * 0.3
+                lines: 3
+                size: root.width * 0.03
                 visible: confidence.hasMessage
                 text: confidence.message
                 color: confidence.messageColor
                 horizontalAlignment: Text.AlignRight
-                elide: Text.ElideRight
                 font.family: AppTheme.textFont
                 font.weight: Font.Bold
-                font.pixelSize: Math.round(root.width * 0.03)
             }
         }
     }

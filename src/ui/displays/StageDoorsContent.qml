@@ -1,16 +1,37 @@
 import QtQuick
 import Kairon
 
-// The pre-show countdown: "LE SHOW COMMENCE DANS" over the time left.
+// The pre-show countdown: "LE SHOW COMMENCE DANS" over the time left, kept above `bottomLimit` (the
+// message banner), made smaller when it must.
 Item {
     id: root
 
     required property StagePresenter stage
+    property real bottomLimit: height
 
-    Column {
-        anchors.centerIn: parent
-        width: parent.width
+    readonly property real titleSize: Math.min(root.width * 0.03, 36)
+    readonly property real timeSize: root.width * 0.18
+
+    FontMetrics {
+        id: titleMetrics
+        font.family: AppTheme.textFont
+        font.weight: Font.Bold
+        font.pixelSize: Math.round(root.titleSize)
+    }
+
+    FontMetrics {
+        id: timeMetrics
+        font.family: AppTheme.digitsFont
+        font.weight: Font.Bold
+        font.pixelSize: Math.round(root.timeSize)
+    }
+
+    FittedColumn {
+        id: column
+        bandBottom: root.bottomLimit
         spacing: Math.round(root.height * 0.04)
+        textHeight: titleMetrics.height + timeMetrics.height
+        fixedHeight: spacing
 
         Text {
             objectName: "doorsTitle"
@@ -19,7 +40,7 @@ Item {
             color: AppTheme.textSecondary
             font.family: AppTheme.textFont
             font.weight: Font.Bold
-            font.pixelSize: Math.round(Math.min(root.width * 0.03, 36))
+            font.pixelSize: Math.round(column.scaled(root.titleSize))
             font.letterSpacing: 6
         }
 
@@ -30,7 +51,7 @@ Item {
             color: AppTheme.accent
             font.family: AppTheme.digitsFont
             font.weight: Font.Bold
-            size: root.width * 0.18
+            size: column.scaled(root.timeSize)
         }
     }
 }

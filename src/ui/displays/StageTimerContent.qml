@@ -2,16 +2,38 @@ import QtQuick
 import Kairon
 
 // The countdown: the cue's name, the signed time in the state colour, the progress bar and the
-// freeze badge.
+// freeze badge, kept above `bottomLimit` (the message banner), made smaller when it must.
 Item {
     id: root
 
     required property StagePresenter stage
+    property real bottomLimit: height
 
-    Column {
-        anchors.centerIn: parent
-        width: parent.width
+    readonly property real nameSize: Math.min(root.width * 0.035, 44)
+    readonly property real timeSize: root.width * 0.22
+
+    FontMetrics {
+        id: nameMetrics
+        font.family: AppTheme.textFont
+        font.weight: Font.DemiBold
+        font.pixelSize: Math.round(root.nameSize)
+    }
+
+    FontMetrics {
+        id: timeMetrics
+        font.family: AppTheme.digitsFont
+        font.weight: Font.Bold
+        font.pixelSize: Math.round(root.timeSize)
+    }
+
+    FittedColumn {
+        id: column
+        objectName: "timerColumn"
+        bandBottom: root.bottomLimit
         spacing: Math.round(root.height * 0.02)
+        textHeight: (root.stage.hasCue ? nameMetrics.height : 0) + timeMetrics.height
+        fixedHeight: progressBar.height + (root.stage.frozen ? badge.height + spacing : 0)
+                     + spacing * (root.stage.hasCue ? 2 : 1)
 
         Text {
             objectName: "cueName"
@@ -24,7 +46,7 @@ Item {
             horizontalAlignment: Text.AlignHCenter
             font.family: AppTheme.textFont
             font.weight: Font.DemiBold
-            font.pixelSize: Math.round(Math.min(root.width * 0.035, 44))
+            font.pixelSize: Math.round(column.scaled(root.nameSize))
         }
 
         FitText {
@@ -36,10 +58,11 @@ Item {
             opacity: root.stage.timeOpacity
             font.family: AppTheme.digitsFont
             font.weight: Font.Bold
-            size: root.width * 0.22
+            size: column.scaled(root.timeSize)
         }
 
         Item {
+            id: progressBar
             objectName: "progressBar"
             anchors.horizontalCenter: parent.horizontalCenter
             width: Math.round(root.width * 0.6)
@@ -64,6 +87,7 @@ Item {
         }
 
         Text {
+            id: badge
             objectName: "freezeBadge"
             anchors.horizontalCenter: parent.horizontalCenter
             visible: root.stage.frozen

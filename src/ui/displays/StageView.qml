@@ -9,6 +9,10 @@ Item {
     required property TimerEngine engine
     required property DisplayClock clock
 
+    // The content stays above the message banner, a gap away from it, so that neither the
+    // digits nor the bar are ever hidden under it.
+    readonly property real contentBottom: banner.visible ? banner.bannerTop - Math.round(height * 0.02) : height
+
     StagePresenter {
         id: presenter
         objectName: "stagePresenter"
@@ -35,6 +39,7 @@ Item {
         active: presenter.mode === StagePresenter.Doors
         sourceComponent: StageDoorsContent {
             stage: presenter
+            bottomLimit: root.contentBottom
         }
     }
 
@@ -43,6 +48,7 @@ Item {
         active: presenter.mode === StagePresenter.Clock
         sourceComponent: StageClockContent {
             clock: root.clock
+            bottomLimit: root.contentBottom
         }
     }
 
@@ -51,6 +57,7 @@ Item {
         active: presenter.mode === StagePresenter.Timer
         sourceComponent: StageTimerContent {
             stage: presenter
+            bottomLimit: root.contentBottom
         }
     }
 
@@ -63,6 +70,7 @@ Item {
     }
 
     StageMessageBanner {
+        id: banner
         anchors.fill: parent
         visible: presenter.bannerVisible
         stage: presenter

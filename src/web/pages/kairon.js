@@ -298,20 +298,90 @@ export function show(element, visible) {
 
 const measurer = document.createElement("canvas").getContext("2d");
 
-// One line of `text` at `size` pixels, made smaller, down to a fifth of that, when it would be
-// wider than `width`: worked out from one measurement at the full size.
-export function fitText(element, text, size, width) {
+// The size, in pixels, at which one line of `text` in `element`'s font is at most `width` wide:
+// `size`, or smaller down to a fifth of it, worked out from one measurement at the full size.
+export function fittedSize(element, text, size, width) {
     const style = getComputedStyle(element);
     measurer.font = `${style.fontWeight} ${Math.round(size)}px ${style.fontFamily}`;
     const natural = Math.max(1, measurer.measureText(text).width);
-    const fitted = Math.max(Math.round(size * 0.2), Math.min(Math.round(size), Math.floor(size * width / natural)));
+    return Math.max(Math.round(size * 0.2), Math.min(Math.round(size), Math.floor(size * width / natural)));
+}
+
+// The line height of wrapped texts, in ems, as the pages' style sheet gives it: Inter's own, as
+// on the desktop displays.
+const lineHeight = 1.21;
+
+// The height of an element's text at `size` pixels, its padding left out. The size is written
+// straight to the element: the caller writes the size it keeps through setStyle afterwards.
+function textHeightAt(element, size) {
+    element.style.setProperty("font-size", `${size}px`);
+    written.get(element)?.delete("font-size");
+    const style = getComputedStyle(element);
+    return element.clientHeight - parseFloat(style.paddingTop) - parseFloat(style.paddingBottom);
+}
+
+// `text` wrapped at `size` pixels on up to `lines` lines, and no higher than `maxHeight`; a
+// longer text is made smaller, to the largest whole pixel size that fits that room (a fifth of
+// `size` at least). The size is searched again only when the text, its room or the page's width
+// change. The element must be shown.
+export function fitLines(element, text, size, lines, maxHeight) {
     setText(element, text);
-    setStyle(element, "font-size", `${fitted}px`);
+    const full = Math.round(size);
+    const room = Math.min(lines * lineHeight * full, maxHeight);
+    const key = `${text}|${full}|${room}|${pageWidth()}`;
+    if (element.kaironFit?.key !== key) {
+        let low = Math.max(1, Math.round(size * 0.2));
+        let high = full;
+        while (low < high) {
+            const middle = Math.ceil((low + high) / 2);
+            if (textHeightAt(element, middle) <= room + 0.5)
+                low = middle;
+            else
+                high = middle - 1;
+        }
+        element.kaironFit = { key, size: low };
+    }
+    setStyle(element, "font-size", `${element.kaironFit.size}px`);
+}
+
+// The height from the top of the first shown child of `container` to the bottom of the last.
+function extentOf(container) {
+    let top = Infinity, bottom = -Infinity;
+    for (const child of container.children) {
+        const box = child.getBoundingClientRect();
+        if (box.height > 0) {
+            top = Math.min(top, box.top);
+            bottom = Math.max(bottom, box.bottom);
+        }
+    }
+    return bottom > top ? bottom - top : 0;
+}
+
+// The texts of a column (the children of `container`) made smaller together when the column is
+// higher than `room` pixels: `parts` are its texts with their full sizes in pixels, [element,
+// size]; the rest (gaps, the bar, the badge) keeps its size. Measured at the sizes shown, since
+// a line's height follows its size. Returns the column's height at the sizes it then has.
+export function fitColumn(container, parts, room) {
+    const height = extentOf(container);
+    let texts = 0, natural = 0;
+    for (const [element, size] of parts) {
+        const shown = element.getBoundingClientRect().height;
+        texts += shown;
+        natural += shown * size / parseFloat(getComputedStyle(element).fontSize);
+    }
+    const fit = natural > 0 ? Math.min(1, Math.max(0, (room - (height - texts)) / natural)) : 1;
+    for (const [element, size] of parts)
+        setStyle(element, "font-size", `${fit >= 1 ? Math.round(size) : Math.max(1, Math.floor(size * fit))}px`);
+    return extentOf(container);
 }
 
 // The page's width, on which every size of a display depends.
 export function pageWidth() {
     return document.documentElement.clientWidth;
+}
+
+export function pageHeight() {
+    return document.documentElement.clientHeight;
 }
 
 // A phase flag toggled every `periodMs` while its condition holds, and left as it is when the

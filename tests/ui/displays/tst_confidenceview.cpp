@@ -84,6 +84,69 @@ private slots:
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(message), bgDeep), toQColor(AppTheme::accent));
     }
 
+    // A long message is shown whole, wrapped on up to three lines and then smaller, at the
+    // bottom right; the time stays whole above it.
+    void aLongMessageIsShownWholeAndNeverHidesTheTime_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("message");
+        const QString sixtyFive = QStringLiteral("Merci de conclure, il reste deux minutes avant la pause déjeuner");
+        const QString hundredFifty = sixtyFive + QStringLiteral(
+            " ; les lauréats sont attendus en coulisses pour la photographie officielle à 13 h 30 !");
+        for (const QSize size : {QSize(1920, 1080), QSize(3840, 2160), QSize(1150, 750), QSize(844, 390),
+                                 QSize(390, 844)}) {
+            QTest::addRow("65 characters %dx%d", size.width(), size.height()) << size << sixtyFive;
+            QTest::addRow("150 characters %dx%d", size.width(), size.height()) << size << hundredFifty;
+        }
+    }
+
+    void aLongMessageIsShownWholeAndNeverHidesTheTime()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QString, message);
+        DisplayFixture f("ConfidenceWindow.qml", size);
+        runShow(f, 100s);
+        f.engine.sendMessage(message, false);
+        const QImage shot = f.grab();
+        DisplayFixture::keep(shot, QStringLiteral("confidence-message-%1-%2x%3")
+                                       .arg(message.size()).arg(size.width()).arg(size.height()));
+
+        // Whole: every character laid out, nothing elided, inside its box and the window.
+        QQuickItem *text = f.item("message");
+        QCOMPARE(text->property("text").toString(), message);
+        QVERIFY(!text->property("truncated").toBool());
+        QVERIFY(text->property("contentWidth").toDouble() <= text->width() + 0.5);
+        QVERIFY(text->property("contentHeight").toDouble() <= text->height() + 0.5);
+        const int lines = text->property("lineCount").toInt();
+        const int natural = text->property("naturalLines").toInt();
+        QVERIFY(natural >= 2);
+        // Up to three lines at its size, more only smaller.
+        QCOMPARE(text->property("shrunk").toBool(), natural > 3);
+        QCOMPARE(pixelSize(text), qRound(size.width() * 0.03));
+        if (natural <= 3)
+            QCOMPARE(lines, natural);
+
+        // Drawn: the message's ink spans its lines, within the window.
+        const double drawnHeight = text->property("drawnHeight").toDouble();
+        const QRect box = sceneBounds(text);
+        const QRect drawn(box.left(), qFloor(box.center().y() - drawnHeight / 2), box.width(), qCeil(drawnHeight));
+        QVERIFY(drawn.top() >= 0 && drawn.bottom() < size.height() && box.left() >= 0 && box.right() < size.width());
+        const QRect ink = inkOf(shot, drawn, toQColor(AppTheme::accent), 6);
+        const double lineHeight = text->property("contentHeight").toDouble() / lines;
+        QVERIFY2(ink.height() > (lines - 1) * lineHeight,
+                 qPrintable(QStringLiteral("ink %1 high for %2 lines of %3").arg(ink.height()).arg(lines).arg(lineHeight)));
+
+        // The time whole: under the wall clock, above the message, in the window.
+        QQuickItem *time = f.item("confidenceTime");
+        QCOMPARE(time->property("text").toString(), QStringLiteral("08:20"));
+        const QRect timeRect = sceneBounds(time);
+        QVERIFY2(timeRect.top() >= sceneBounds(f.item("wallClock")).bottom() && timeRect.bottom() < drawn.top(),
+                 qPrintable(QStringLiteral("time %1..%2, message from %3").arg(timeRect.top()).arg(timeRect.bottom()).arg(drawn.top())));
+        const QRect digits = inkOf(shot, timeRect, toQColor(AppTheme::stateNormal), 6);
+        QVERIFY(digits.top() > timeRect.top() && digits.bottom() < timeRect.bottom());
+        QVERIFY2(digits.width() > size.width() * 0.2, qPrintable(QString::number(digits.width())));
+    }
+
     void withoutACueThereIsNoNameNoSpeakerAndAMutedTime()
     {
         DisplayFixture f("ConfidenceWindow.qml", QSize(1920, 1080));
