@@ -40,10 +40,11 @@ Column {
         visible: shown
     }
 
-    ChoiceButton {
+    AbstractButton {
         id: automatic
         objectName: "colourAutomatic"
         readonly property bool selected: swatches.current === ""
+        focusPolicy: Qt.StrongFocus
         text: "Automatique (vert / jaune / rouge selon les seuils)"
         onClicked: swatches.chosen("")
         implicitHeight: 26
@@ -94,7 +95,7 @@ Column {
 
         Repeater {
             model: swatches.colours
-            delegate: ChoiceButton {
+            delegate: AbstractButton {
                 id: swatch
                 required property int index
                 required property var modelData
@@ -104,7 +105,8 @@ Column {
                 objectName: "colourSwatch" + index
                 width: 26
                 height: 26
-                        hoverEnabled: true
+                focusPolicy: Qt.StrongFocus
+                hoverEnabled: true
                 onClicked: swatches.chosen(modelData.hex)
 
                 background: Rectangle {

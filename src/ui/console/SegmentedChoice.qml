@@ -26,7 +26,7 @@ Rectangle {
 
         Repeater {
             model: choice.options
-            delegate: ChoiceButton {
+            delegate: AbstractButton {
                 id: segment
                 required property int index
                 required property string modelData
@@ -35,6 +35,7 @@ Rectangle {
                 readonly property bool chosen: index === choice.currentIndex
                 width: Math.max(120, label.implicitWidth + 28)
                 height: choice.height - 6
+                focusPolicy: Qt.StrongFocus
                 text: modelData
                 onClicked: choice.activated(index)
 

@@ -3,12 +3,8 @@ import QtQuick.Controls
 import Kairon
 
 // An on/off switch of a sheet with its text on the right, which wraps when it is long.
-// Focused, it keeps Space for itself (the key toggles it, not the show's play and pause).
 Switch {
     id: control
-
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Space
-                                                       && event.modifiers === Qt.NoModifier
 
     implicitWidth: parent ? parent.width : 400
     padding: 0
