@@ -103,7 +103,7 @@ post message '{"text":"Plus fort","urgent":true}'
 post blackout
 # "Plein écran sur : VIRTUAL-2", the second entry of the menu under the arrow beside "Stage".
 console_geometry
-xdotool mousemove $((gx + gw - 205)) $((gy + 56)) click 1
+xdotool mousemove $((gx + gw - 231)) $((gy + 56)) click 1
 sleep 0.5 # the menu opens
 xdotool key Down Down Return
 for _ in $(seq 100); do stage_on_second_monitor && break; sleep 0.05; done
