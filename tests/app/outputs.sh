@@ -34,10 +34,6 @@ print(json.dumps({"id": "0B7E5C1A-2D3F-4A5B-9C6D-7E8F9A0B1C2D", "name": "Gala de
                   "cues": [{"name": f"Cue {i}", "duration": 600} for i in range(1, 21)]}))
 PY
 
-base=http://127.0.0.1:$port
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-post() { curl -s -o /dev/null -X POST -H "Authorization: Bearer $code" -H 'Content-Type: application/json' --data-binary "${2:-{\}}" "$base/api/$1"; }
 # state_is EXPRESSION: the web API's state document, as `s`, makes the Python expression true.
 state_is() { curl -s "$base/api/state" | python3 -c "import json,sys; s=json.load(sys.stdin); sys.exit(0 if ($1) else 1)"; }
 pixels() { python3 "$here/screen.py" "$@"; }
@@ -111,23 +107,19 @@ centre_of() { awk '{print $1 + int($3 / 2), $2 + int($4 / 2)}'; }
 button() { top_bar_buttons | awk '$3 > 30' | sed -n "$1p" | centre_of; }
 arrow() { top_bar_buttons | awk '$3 <= 30' | sed -n "$1p" | centre_of; }
 click_at() { xdotool mousemove "$1" "$2" click 1; xdotool mousemove 960 1070; }
-# send_to_monitor_2 N: "Plein écran sur : VIRTUAL-2" in the menu under display arrow N.
+# send_to_monitor_2 N NAME: "Plein écran sur : VIRTUAL-2" in the menu under display arrow N,
+# the open menu kept as NAME.
 send_to_monitor_2() {
     local x y
     read -r x y < <(arrow "$1")
     click_at "$x" "$y"
     sleep 0.5 # the menu opens
+    keep "$2"
     xdotool key Down Down Return
 }
 
-run=0
 launch() {
-    run=$((run + 1))
-    KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/gala.orvprjct" 2> "$dir/trace$run" &
-    kairon_pid=$!
-    pids+=("$kairon_pid")
-    wait_for_web "$dir/trace$run"
-    wait_for_trace "$dir/trace$run" first-frame
+    start_kairon "$kairon" "$dir/gala.orvprjct"
     # After the splash, the console: the play button's orange in its main panel.
     poll 20 console_shown || fail "the console did not show"
 }
@@ -224,9 +216,9 @@ poll 3 state_is 's["running"]' ||
 
 # Dragged from their middle, they move; dragged from an edge, they resize.
 read -r sx sy sw sh < <(place "$sid")
-drag "$sid" -200 -150
-poll 3 bash -c "[[ \"\$(xwininfo -id $sid | awk '/Absolute upper-left [XY]/ {print \$NF}' | tr '\n' ' ')\" == '$((sx - 200)) $((sy - 150)) ' ]]" ||
-    fail "the stage dragged by -200,-150 from $sx,$sy is at $(place "$sid")"
+drag "$sid" 300 -150
+poll 3 bash -c "[[ \"\$(xwininfo -id $sid | awk '/Absolute upper-left [XY]/ {print \$NF}' | tr '\n' ' ')\" == '$((sx + 300)) $((sy - 150)) ' ]]" ||
+    fail "the stage dragged by 300,-150 from $sx,$sy is at $(place "$sid")"
 read -r fx fy fw fh < <(place "$fid")
 drag "$fid" 0 -300
 poll 3 bash -c "[[ \"\$(xwininfo -id $fid | awk '/Absolute upper-left [XY]/ {print \$NF}' | tr '\n' ' ')\" == '$fx $((fy - 300)) ' ]]" ||
@@ -249,11 +241,11 @@ pids+=($!)
 launch
 cid=$(console_id)
 keep two-monitors-console
-send_to_monitor_2 1
+send_to_monitor_2 1 stage-display-menu
 poll 10 bash -c "[[ -n \$(xdotool search --onlyvisible --name 'Kairon — Stage\$') ]]"
 sid=$(stage_id)
 poll 10 full_screen_on "$sid" 1920 0 1280 720 || fail "the stage did not go full screen on VIRTUAL-2"
-send_to_monitor_2 2
+send_to_monitor_2 2 confidence-display-menu
 poll 10 bash -c "[[ -n \$(xdotool search --onlyvisible --name 'Kairon — Confidence\$') ]]"
 fid=$(confidence_id)
 poll 10 full_screen_on "$fid" 1920 0 1280 720 || fail "the confidence did not go full screen on VIRTUAL-2"
@@ -272,10 +264,14 @@ parked() {
         inside "$(place "$id")" "0 0 1920 1080" || return 1
     done
 }
+# out_of_full_screen ID…: none of the windows is full screen any more (one quick look each).
+out_of_full_screen() { local id; for id in "$@"; do fullscreen "$id" && return 1; done; return 0; }
 gone_at=$(now)
 xrandr --delmonitor VIRTUAL-2 >/dev/null
+poll 5 out_of_full_screen "$sid" "$fid"
+left_at=$(now)
 poll 5 parked || fail "the outputs did not park when VIRTUAL-2 went: stage $(place "$sid"), confidence $(place "$fid")"
-echo "parked $(python3 -c "print(round($(now) - $gone_at, 2))") s after VIRTUAL-2 went: stage $(place "$sid"), confidence $(place "$fid")"
+echo "out of full screen $(python3 -c "print(round($left_at - $gone_at, 2))") s after VIRTUAL-2 went; parked: stage $(place "$sid"), confidence $(place "$fid")"
 poll 3 toast_shows $state_danger || fail "no warning toast when VIRTUAL-2 went"
 keep monitor-2-removed-outputs-parked
 uncovered "parked" "$sid" "$fid"
@@ -303,9 +299,10 @@ counted=$(tail -n +$((osc_lines + 1)) "$dir/osc.txt" | grep -c '/kairon/remainin
 
 back_at=$(now)
 xrandr --setmonitor VIRTUAL-2 1280/338x720/190+1920+0 none >/dev/null
+poll 8 bash -c "xprop -id $sid _NET_WM_STATE | grep -q FULLSCREEN && xprop -id $fid _NET_WM_STATE | grep -q FULLSCREEN"
+echo "full screen again $(python3 -c "print(round($(now) - $back_at, 2))") s after VIRTUAL-2 came back"
 poll 3 toast_shows $state_normal || fail "no toast when VIRTUAL-2 came back"
 poll 8 both_on_monitor_2 || fail "the outputs did not go back full screen on VIRTUAL-2: stage $(place "$sid"), confidence $(place "$fid")"
-echo "back full screen $(python3 -c "print(round($(now) - $back_at, 2))") s after VIRTUAL-2 came back"
 keep monitor-2-back-outputs-returned
 console_has_the_keyboard || fail "the console lost the keyboard when the outputs came back"
 

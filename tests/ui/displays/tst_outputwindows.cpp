@@ -2,21 +2,19 @@
 // the platform's own configuration hook: OPERATOR (1920x1080 at 0,0) holds the console, STAGE
 // (1280x720 at 1920,0) is the display the outputs are sent to.
 #include "manualclock.h"
+#include "offscreenscreens.h"
 #include "outputwindows.h"
 #include "screenmanager.h"
 #include "settingssandbox.h"
 #include "toastcenter.h"
 
 #include <QGuiApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qpa/qplatformnativeinterface.h>
 
 #include <memory>
 
@@ -27,36 +25,8 @@ namespace {
 const QRect OperatorArea(0, 0, 1920, 1080);
 const QRect StageArea(1920, 0, 1280, 720);
 
-QJsonObject screenConfig(const QString &name, const QRect &area)
-{
-    return {{"name", name},          {"x", area.x()},           {"y", area.y()},
-            {"width", area.width()}, {"height", area.height()}, {"logicalDpi", 96},
-            {"logicalBaseDpi", 96},  {"dpr", 1}};
-}
-
-const QJsonObject Operator = screenConfig("OPERATOR", OperatorArea);
-const QJsonObject Stage = screenConfig("STAGE", StageArea);
-
-void setScreens(const QJsonArray &screens)
-{
-    QPlatformNativeInterface *native = QGuiApplication::platformNativeInterface();
-    using Get = QJsonObject (*)(QPlatformNativeInterface *);
-    using Set = void (*)(const QJsonObject &, QPlatformNativeInterface *);
-    const auto get = reinterpret_cast<Get>(native->nativeResourceForIntegration("configuration"));
-    const auto set = reinterpret_cast<Set>(native->nativeResourceForIntegration("setConfiguration"));
-    QVERIFY(get && set);
-    QJsonObject configuration = get(native);
-    configuration["screens"] = screens;
-    set(configuration, native);
-}
-
-QStringList screenNames()
-{
-    QStringList names;
-    for (const QScreen *screen : QGuiApplication::screens())
-        names << screen->name();
-    return names;
-}
+const QJsonObject Operator = OffscreenScreens::screen("OPERATOR", OperatorArea);
+const QJsonObject Stage = OffscreenScreens::screen("STAGE", StageArea);
 
 bool isFullScreen(const QWindow *window)
 {
@@ -134,12 +104,8 @@ class TestOutputWindows : public QObject
 private slots:
     void init()
     {
-        if (screenNames() != QStringList{"OPERATOR", "STAGE"}) {
-            setScreens({Stage, Operator});
-            setScreens({Operator});
-            setScreens({Operator, Stage});
-        }
-        QCOMPARE(screenNames(), (QStringList{"OPERATOR", "STAGE"}));
+        OffscreenScreens::setTwo(Operator, Stage);
+        QCOMPARE(OffscreenScreens::names(), (QStringList{"OPERATOR", "STAGE"}));
         m_settings = std::make_unique<SettingsSandbox>();
         m_screens = std::make_unique<ScreenManager>(m_clock);
         m_toasts = std::make_unique<ToastCenter>(m_clock);
@@ -172,7 +138,7 @@ private slots:
 
     void withOneDisplayTheyOpenBesideTheConsole()
     {
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         showConsole({0, 0, 1150, 750});
         QVERIFY(m_outputs->open("stage"));
         QVERIFY(m_outputs->open("confidence"));
@@ -189,7 +155,7 @@ private slots:
 
     void withOneDisplayFilledByTheConsoleTheyTakeItsFreeCorners()
     {
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         showConsole(OperatorArea);
         m_outputs->open("stage");
         m_outputs->open("confidence");
@@ -229,7 +195,7 @@ private slots:
         showConsole({0, 0, 1150, 750});
         sendBothToStage();
 
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         for (QWindow *output : {m_stage.get(), m_confidence.get()}) {
             QVERIFY(output->isVisible());
             QVERIFY(!isFullScreen(output));
@@ -249,7 +215,7 @@ private slots:
         QCOMPARE(m_stage->geometry(), parked);
         QVERIFY(!isFullScreen(m_stage.get()));
 
-        setScreens({Operator, Stage});
+        OffscreenScreens::set({Operator, Stage});
         QCOMPARE(m_toasts->text(), QStringLiteral("Écrans Stage et Confidence rebranchés"));
         QCOMPARE(m_toasts->kind(), ToastMessage::Success);
         QVERIFY(!isFullScreen(m_stage.get())); // the window manager learns of the display first
@@ -263,11 +229,11 @@ private slots:
     {
         showConsole({0, 0, 1150, 750});
         sendBothToStage();
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         const QRect parked = m_stage->geometry();
         m_toasts->dismiss();
 
-        setScreens({Operator, screenConfig("OTHER", {1920, 720, 1280, 360})});
+        OffscreenScreens::set({Operator, OffscreenScreens::screen("OTHER", {1920, 720, 1280, 360})});
         m_clock.advance(2s);
         QCOMPARE(m_stage->geometry(), parked);
         QCOMPARE(m_stage->screen()->name(), QStringLiteral("OPERATOR"));
@@ -282,10 +248,10 @@ private slots:
         m_outputs->sendTo("stage", 1);
         m_clock.advance(std::chrono::milliseconds(OutputWindows::moveDelayMs));
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), StageArea));
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         QCOMPARE(m_toasts->text(), QStringLiteral("Écran Stage débranché — la sortie attend son écran"));
 
-        setScreens({Operator, screenConfig("HDMI-2", StageArea)});
+        OffscreenScreens::set({Operator, OffscreenScreens::screen("HDMI-2", StageArea)});
         QCOMPARE(m_toasts->text(), QStringLiteral("Écran Stage rebranché"));
         m_clock.advance(std::chrono::milliseconds(OutputWindows::moveDelayMs));
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), StageArea));
@@ -298,7 +264,7 @@ private slots:
         showConsole({0, 0, 1150, 750});
         m_outputs->open("confidence"); // a window on STAGE
         QCOMPARE(m_confidence->screen()->name(), QStringLiteral("STAGE"));
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         QCOMPARE(m_confidence->screen()->name(), QStringLiteral("OPERATOR"));
         QVERIFY(!m_confidence->geometry().intersects(m_console->frameGeometry()));
         QVERIFY(!m_toasts->showing());
@@ -311,12 +277,12 @@ private slots:
         showConsole({0, 0, 1150, 750});
         m_outputs->sendTo("stage", 1);
         m_clock.advance(200ms);
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         m_clock.advance(1s);
         QVERIFY(!isFullScreen(m_stage.get()));
         QVERIFY(!m_stage->geometry().intersects(m_console->frameGeometry()));
         QCOMPARE(m_toasts->text(), QStringLiteral("Écran Stage débranché — la sortie attend son écran"));
-        setScreens({Operator, Stage});
+        OffscreenScreens::set({Operator, Stage});
         m_clock.advance(std::chrono::milliseconds(OutputWindows::moveDelayMs));
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), StageArea));
     }
@@ -326,12 +292,12 @@ private slots:
     {
         showConsole({0, 0, 1150, 750});
         sendBothToStage();
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         m_outputs->sendTo("stage", 0);
         QVERIFY(!m_outputs->awaitedDisplay("stage"));
         m_clock.advance(std::chrono::milliseconds(OutputWindows::moveDelayMs));
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), OperatorArea));
-        setScreens({Operator, Stage});
+        OffscreenScreens::set({Operator, Stage});
         m_clock.advance(2s);
         QTRY_VERIFY(isFullScreenOn(m_confidence.get(), StageArea));
         QVERIFY(isFullScreenOn(m_stage.get(), OperatorArea));
@@ -349,7 +315,7 @@ private slots:
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), StageArea));
 
         m_stage->hide();
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         QVERIFY(m_outputs->open("stage"));
         QVERIFY(!isFullScreen(m_stage.get()));
         const QRect frame = m_console->frameGeometry();
@@ -368,13 +334,7 @@ private slots:
 int main(int argc, char *argv[])
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath("screens.json");
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(path));
-    file.write(QJsonDocument(QJsonObject{{"screens", QJsonArray{Operator, Stage}}}).toJson());
-    file.close();
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toLocal8Bit());
+    OffscreenScreens::useAtStart(dir, {Operator, Stage});
 
     QGuiApplication app(argc, argv);
     TestOutputWindows test;
