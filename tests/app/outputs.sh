@@ -37,14 +37,13 @@ PY
 # state_is EXPRESSION: the web API's state document, as `s`, makes the Python expression true.
 state_is() { curl -s "$base/api/state" | python3 -c "import json,sys; s=json.load(sys.stdin); sys.exit(0 if ($1) else 1)"; }
 pixels() { python3 "$here/screen.py" "$@"; }
-now() { date +%s.%N; }
-# poll SECONDS COMMAND…: true once COMMAND succeeds, false when it never did in time.
+now() { echo "${EPOCHREALTIME/,/.}"; }
+# poll SECONDS COMMAND…: true once COMMAND succeeds, false when it never did in time (whole seconds).
 poll() {
-    local deadline
-    deadline=$(python3 -c "print($(now) + $1)")
+    local deadline=$((${EPOCHREALTIME/[.,]/} + $1 * 1000000))
     shift
     until "$@" 2>/dev/null; do
-        python3 -c "import sys; sys.exit(0 if $(now) < $deadline else 1)" || return 1
+        ((${EPOCHREALTIME/[.,]/} < deadline)) || return 1
         sleep 0.05
     done
 }
@@ -266,13 +265,22 @@ parked() {
 }
 # out_of_full_screen ID…: none of the windows is full screen any more (one quick look each).
 out_of_full_screen() { local id; for id in "$@"; do fullscreen "$id" && return 1; done; return 0; }
-gone_at=$(now)
+# timed WHAT COMMAND…: in the background (its id in $timed_pid), the seconds until COMMAND
+# first succeeds, in $dir/WHAT.
+timed() {
+    local what=$1 from
+    shift
+    from=$(now)
+    (poll 8 "$@" && python3 -c "print(round($(now) - $from, 2))" > "$dir/$what") &
+    timed_pid=$!
+}
 xrandr --delmonitor VIRTUAL-2 >/dev/null
-poll 5 out_of_full_screen "$sid" "$fid"
-left_at=$(now)
+timed unplugged out_of_full_screen "$sid" "$fid"
+# The toast first: it shows for 5 s.
+poll 4 toast_shows $state_danger || fail "no warning toast when VIRTUAL-2 went"
 poll 5 parked || fail "the outputs did not park when VIRTUAL-2 went: stage $(place "$sid"), confidence $(place "$fid")"
-echo "out of full screen $(python3 -c "print(round($left_at - $gone_at, 2))") s after VIRTUAL-2 went; parked: stage $(place "$sid"), confidence $(place "$fid")"
-poll 3 toast_shows $state_danger || fail "no warning toast when VIRTUAL-2 went"
+wait "$timed_pid" || true
+echo "out of full screen $(cat "$dir/unplugged") s after VIRTUAL-2 went; parked: stage $(place "$sid"), confidence $(place "$fid")"
 keep monitor-2-removed-outputs-parked
 uncovered "parked" "$sid" "$fid"
 geometry "$cid"
@@ -297,12 +305,12 @@ sleep 2.5
 counted=$(tail -n +$((osc_lines + 1)) "$dir/osc.txt" | grep -c '/kairon/remaining f' || true)
 ((counted >= 2)) || fail "OSC sent $counted remaining times in the 2.5 s after the park"
 
-back_at=$(now)
 xrandr --setmonitor VIRTUAL-2 1280/338x720/190+1920+0 none >/dev/null
-poll 8 bash -c "xprop -id $sid _NET_WM_STATE | grep -q FULLSCREEN && xprop -id $fid _NET_WM_STATE | grep -q FULLSCREEN"
-echo "full screen again $(python3 -c "print(round($(now) - $back_at, 2))") s after VIRTUAL-2 came back"
+timed replugged bash -c "xprop -id $sid _NET_WM_STATE | grep -q FULLSCREEN && xprop -id $fid _NET_WM_STATE | grep -q FULLSCREEN"
 poll 3 toast_shows $state_normal || fail "no toast when VIRTUAL-2 came back"
 poll 8 both_on_monitor_2 || fail "the outputs did not go back full screen on VIRTUAL-2: stage $(place "$sid"), confidence $(place "$fid")"
+wait "$timed_pid" || true
+echo "full screen again $(cat "$dir/replugged") s after VIRTUAL-2 came back"
 keep monitor-2-back-outputs-returned
 console_has_the_keyboard || fail "the console lost the keyboard when the outputs came back"
 

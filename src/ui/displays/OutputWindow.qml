@@ -16,6 +16,8 @@ Window {
     color: AppTheme.bgDeep
     width: 480
     height: 270
+    minimumWidth: 240 // still legible from the desk
+    minimumHeight: 135
 
     Item {
         id: body

@@ -131,7 +131,7 @@ bool OutputWindows::open(const QString &identifier)
             return true;
         }
     }
-    park(*output, nullptr);
+    placeAsWindow(*output, nullptr);
     window->setVisible(true);
     return true;
 }
@@ -148,7 +148,7 @@ void OutputWindows::sendTo(const QString &identifier, int displayIndex)
         m_toasts.showError(QStringLiteral("Échec d'enregistrement des réglages : ") + error);
     output->awaited.reset();
     if (!output->window->isVisible()) {
-        park(*output, nullptr);
+        placeAsWindow(*output, nullptr);
         output->window->setVisible(true);
     }
     moveLater(*output, screen);
@@ -162,7 +162,7 @@ void OutputWindows::moveLater(Output &output, QScreen *screen)
 
 // Puts the output as a window where it covers nothing of the console nor the other output,
 // on a display other than `leaving`.
-void OutputWindows::park(Output &output, const QScreen *leaving)
+void OutputWindows::placeAsWindow(Output &output, const QScreen *leaving)
 {
     const QList<QScreen *> screens = screensBut(leaving);
     const OutputPlacement::Place place = OutputPlacement::windowPlace(
@@ -186,18 +186,19 @@ void OutputWindows::screenLeaving(QScreen *leaving)
         QWindow *window = output.window;
         if (!window || !window->isVisible())
             continue;
+        // The display it fills, or is about to fill: the latest choice wins.
         const QScreen *goingTo = output.move->isActive() ? output.moveTo.data()
                                                          : m_screens.pendingScreenOf(window);
-        const bool fills = (isFullScreen(window) && window->screen() == leaving) || goingTo == leaving;
-        if (!fills && window->screen() != leaving)
+        const QScreen *fills = goingTo ? goingTo : isFullScreen(window) ? window->screen() : nullptr;
+        if (fills != leaving && window->screen() != leaving)
             continue;
-        if (fills) {
+        if (fills == leaving) {
             output.move->stop();
             m_screens.cancelPendingMove(window);
             output.awaited = Preferences::OutputDisplay{leaving->name(), leaving->geometry()};
             lost << output.label;
         }
-        park(output, leaving);
+        placeAsWindow(output, leaving);
     }
     if (!lost.isEmpty())
         m_toasts.showError(lostText(lost));

@@ -75,7 +75,7 @@ private:
 
     Output *find(const QString &identifier);
     void moveLater(Output &output, QScreen *screen);
-    void park(Output &output, const QScreen *leaving);
+    void placeAsWindow(Output &output, const QScreen *leaving);
     void screenLeaving(QScreen *leaving);
     void screenAdded();
     QRect consoleFrame() const;

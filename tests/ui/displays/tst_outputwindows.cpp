@@ -287,6 +287,21 @@ private slots:
         QTRY_VERIFY(isFullScreenOn(m_stage.get(), StageArea));
     }
 
+    // Sent elsewhere a moment before its display goes: it goes where it was sent.
+    void theLatestChoiceWinsOverADisplayThatGoes()
+    {
+        showConsole({0, 0, 1150, 750});
+        sendBothToStage();
+        m_outputs->sendTo("stage", 0);
+        m_clock.advance(200ms);
+        OffscreenScreens::set({Operator});
+        QVERIFY(!m_outputs->awaitedDisplay("stage"));
+        QVERIFY(m_outputs->awaitedDisplay("confidence"));
+        QCOMPARE(m_toasts->text(), QStringLiteral("Écran Confidence débranché — la sortie attend son écran"));
+        m_clock.advance(300ms);
+        QTRY_VERIFY(isFullScreenOn(m_stage.get(), OperatorArea));
+    }
+
     // A newer choice in the menu replaces the display an output waits for.
     void aChoiceInTheMenuEndsTheWait()
     {
