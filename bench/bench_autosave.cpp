@@ -7,7 +7,6 @@
 #include "appflowstate.h"
 #include "benchsupport.h"
 #include "consolecontroller.h"
-#include "screenmanager.h"
 #include "sessionstore.h"
 #include "systemclock.h"
 #include "timerengine.h"
@@ -44,8 +43,7 @@ int main(int argc, char **argv)
     flow.setStage(AppFlowState::Workspace);
     ToastCenter toasts(clock);
     SessionStore store(clock);
-    ScreenManager screens(clock);
-    ConsoleController console(engine, store, flow, toasts, screens, clock, {});
+    ConsoleController console(engine, store, flow, toasts, clock, {});
     engine.start(0);
 
     // The event loop's longest wait, from a timer due every millisecond.

@@ -84,7 +84,8 @@ int main(int argc, char **argv)
     BrandAssets brand{QUrl()};
     ToastCenter toasts(clock);
     SessionStore store(clock);
-    ConsoleController console(engine, store, flow, toasts, screens, clock, {});
+    OutputWindows outputs(screens, toasts, clock);
+    ConsoleController console(engine, store, flow, toasts, clock, {});
     NetworkCoordinator network; // remote control off, as on a fresh installation
     WebServer web(engine, clock);
     SettingsController settings(engine, network, web, store);
@@ -93,7 +94,7 @@ int main(int argc, char **argv)
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
         AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                       &settings}
+                       &settings, &outputs}
             .initialProperties());
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     if (qml.rootObjects().isEmpty())

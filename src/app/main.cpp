@@ -8,6 +8,7 @@
 #include "formatters.h"
 #include "launchproject.h"
 #include "networkcoordinator.h"
+#include "outputwindows.h"
 #include "qttranslations.h"
 #include "quitsignals.h"
 #include "renderingbackend.h"
@@ -28,22 +29,19 @@
 #include <QQmlEngineExtensionPlugin>
 #include <QQuickWindow>
 #include <QScreen>
-#include <QTimer>
 #include <QUrl>
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
 namespace {
 
-// The output windows: the identifier Main.qml opens them by, its property, and what their
-// title holds for the screen manager to find them.
+// The output windows: the identifier Main.qml opens them by, and its property.
 struct OutputWindow {
     const char *identifier;
     const char *property;
-    const char *title;
 };
-constexpr OutputWindow outputWindows[] = {{"stage", "stageWindow", "Stage"},
-                                          {"confidence", "confidenceWindow", "Confidence"}};
+constexpr OutputWindow outputWindows[] = {{"stage", "stageWindow"},
+                                          {"confidence", "confidenceWindow"}};
 
 // Tells the recovery where the output windows are, and each time one shows, hides or moves.
 void watchOutputs(QObject *root, ShowRecovery &recovery)
@@ -72,24 +70,16 @@ void watchOutputs(QObject *root, ShowRecovery &recovery)
 
 // Opens again the output windows of a resumed show, full screen on their displays when those
 // are connected.
-void reopenOutputs(QObject *root, ShowRecovery &recovery, ScreenManager &screens)
+void reopenOutputs(ShowRecovery &recovery, OutputWindows &outputs)
 {
     const QList<QScreen *> connected = QGuiApplication::screens();
     for (const LiveState::Output &output : recovery.outputsToReopen()) {
-        const auto known = std::find_if(std::cbegin(outputWindows), std::cend(outputWindows),
-                                        [&](const OutputWindow &w) { return output.window == QLatin1StringView(w.identifier); });
-        if (known == std::cend(outputWindows))
-            continue;
-        QMetaObject::invokeMethod(root, "openWindow", Q_ARG(QVariant, output.window));
         const auto screen = std::find_if(connected.cbegin(), connected.cend(),
                                          [&](const QScreen *s) { return s->name() == output.screen; });
-        if (!output.fullScreen || screen == connected.cend())
-            continue;
-        const int index = int(screen - connected.cbegin());
-        const QString title = QString::fromLatin1(known->title);
-        // As the console does it: the window shows first, then goes to its display.
-        QTimer::singleShot(ConsoleController::stageMoveDelayMs, &screens,
-                           [&screens, title, index] { screens.sendWindow(title, index); });
+        if (output.fullScreen && screen != connected.cend())
+            outputs.sendTo(output.window, int(screen - connected.cbegin()));
+        else
+            outputs.open(output.window);
     }
 }
 
@@ -133,8 +123,9 @@ int main(int argc, char *argv[])
     BrandAssets brand; // the cached logo at once, a fresh one from the maker's site later
     brand.downloadRemote();
     ToastCenter toasts(clock);
+    OutputWindows outputs(screens, toasts, clock);
     SessionStore store(clock);
-    ConsoleController console(engine, store, flow, toasts, screens, clock, &FileReveal::show);
+    ConsoleController console(engine, store, flow, toasts, clock, &FileReveal::show);
     // A show interrupted last time comes back first, where its clock is now.
     ShowRecovery recovery(engine, store, flow, toasts, clock);
     const std::optional<QString> file = LaunchProject::fileArgument(app.arguments());
@@ -148,7 +139,7 @@ int main(int argc, char *argv[])
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
         AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                       &settings}
+                       &settings, &outputs}
             .initialProperties());
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,
@@ -159,7 +150,7 @@ int main(int argc, char *argv[])
     QObject *root = qml.rootObjects().first();
     auto *operatorWindow = root->property("operatorWindow").value<QQuickWindow *>();
     watchOutputs(root, recovery);
-    reopenOutputs(root, recovery, screens);
+    reopenOutputs(recovery, outputs);
 
     // Quitting, whatever asks for it (the menu, a signal, the end of the desktop session),
     // saves the open show and closes it: no recovery is left for the next launch.

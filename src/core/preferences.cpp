@@ -3,6 +3,7 @@
 #include "settingsfile.h"
 
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -33,6 +34,22 @@ bool write(const QString &key, const QVariant &value, QString *error)
     SettingsFile settings;
     settings.setValue(key, value);
     return settings.save(error);
+}
+
+// A display's place as X writes it: "1280x720+1920+0", "1920x1080-1920+0".
+QString geometryText(const QRect &rect)
+{
+    return QString::asprintf("%dx%d%+d%+d", rect.width(), rect.height(), rect.x(), rect.y());
+}
+
+QRect geometryFrom(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("^(\\d{1,6})x(\\d{1,6})([+-]\\d{1,6})([+-]\\d{1,6})$"));
+    const QRegularExpressionMatch match = pattern.match(text.trimmed());
+    if (!match.hasMatch())
+        return {};
+    return QRect(match.captured(3).toInt(), match.captured(4).toInt(), match.captured(1).toInt(),
+                 match.captured(2).toInt());
 }
 
 constexpr char codeAlphabet[] = "23456789ABCDEFGHJKLMNPQRSTUVWXYZ";
@@ -168,4 +185,23 @@ Preferences::WebSettings Preferences::storedWebSettings()
     }
     stored.accessCode = webAccessCode();
     return stored;
+}
+
+std::optional<Preferences::OutputDisplay> Preferences::outputDisplay(const QString &output)
+{
+    const SettingsFile settings;
+    OutputDisplay display{settings.value(output + QStringLiteral("DisplayName")).toString(),
+                          geometryFrom(settings.value(output + QStringLiteral("DisplayGeometry")).toString())};
+    if (display.name.isEmpty() && !display.geometry.isValid())
+        return std::nullopt;
+    return display;
+}
+
+bool Preferences::setOutputDisplay(const QString &output, const OutputDisplay &display,
+                                   QString *error)
+{
+    SettingsFile settings;
+    settings.setValue(output + QStringLiteral("DisplayName"), display.name);
+    settings.setValue(output + QStringLiteral("DisplayGeometry"), geometryText(display.geometry));
+    return settings.save(error);
 }

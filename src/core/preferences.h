@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
+
+#include <optional>
 
 // The user's persisted preferences (QSettings, in the platform's usual place, written through
 // SettingsFile so that a disk that refuses them is noticed).
@@ -84,4 +87,18 @@ public:
     };
     static WebSettings storedWebSettings();
     static double storedSplashDuration(); // 0 when never stored
+
+    // ---- The display each output window was last sent to, full screen ----
+    // `output` is the window's identifier, "stage" or "confidence"; the keys are
+    // `<output>DisplayName` and `<output>DisplayGeometry` ("1280x720+1920+0").
+    struct OutputDisplay {
+        QString name;
+        QRect geometry;
+
+        bool operator==(const OutputDisplay &) const = default;
+    };
+    // None when never stored, or when neither a name nor a readable geometry was.
+    static std::optional<OutputDisplay> outputDisplay(const QString &output);
+    static bool setOutputDisplay(const QString &output, const OutputDisplay &display,
+                                 QString *error = nullptr);
 };

@@ -166,6 +166,11 @@ public:
     Q_INVOKABLE void previous();
     Q_INVOKABLE void adjust(double seconds);
     void loadSession(const TimerSession &session);
+    // The show is left (the console goes back to the library): the clock stops as with stop(),
+    // and nothing stays on the displays nor in remote control's state: no active or selected
+    // cue, no message, blackout, freeze, clock mode, blink or doors. The show itself, its log
+    // and its undo steps are kept.
+    void returnToIdle();
     // Takes the project data of `edited` (name, client, venue, operator, event date, notes):
     // the running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
@@ -268,6 +273,8 @@ private:
     void logCue(const Cue &cue, std::optional<int> writeBackIndex);
     void logActiveCue();
     void halt(); // stops the clock and the ticker and calls the hook, logging nothing
+    // No active cue, a clock at zero, no show control on; records the signals.
+    void clearLiveState();
     void postJob(std::function<void()> job);
 
     // Editing internals.

@@ -155,30 +155,46 @@ void TimerEngine::loadSession(const TimerSession &session)
     const Batch batch(*this);
     stop();
     m_session = session;
-    m_activeCueID.reset();
+    clearLiveState();
     m_selectedCueIndex = session.cues.isEmpty() ? std::nullopt : std::optional(0);
-    m_remaining = m_elapsed = m_plannedDuration = 0;
     m_loggedOvertime = 0;
     m_completedCueLog.clear();
     m_undoStack.clear();
     m_redoStack.clear();
-    m_currentMessage.reset();
-    m_messageUrgent = m_blackout = m_freeze = m_clockMode = m_blinkActive = false;
-    m_blinkTimer->stop();
-    m_doorsTargetMs.reset();
     m_showLocked = false;
 
     notify(&TimerEngine::sessionChanged);
     notify(&TimerEngine::selectedCueIndexChanged);
     notify(&TimerEngine::completedCueLogChanged);
     notify(&TimerEngine::undoStateChanged);
+    notify(&TimerEngine::showLockedChanged);
+    refreshDerived();
+    notifyStateChange();
+}
+
+void TimerEngine::returnToIdle()
+{
+    const Batch batch(*this);
+    stop();
+    clearLiveState();
+    m_selectedCueIndex.reset();
+    notify(&TimerEngine::selectedCueIndexChanged);
+    refreshDerived();
+    notifyStateChange();
+}
+
+void TimerEngine::clearLiveState()
+{
+    m_activeCueID.reset();
+    m_remaining = m_elapsed = m_plannedDuration = 0;
+    m_currentMessage.reset();
+    m_messageUrgent = m_blackout = m_freeze = m_clockMode = m_blinkActive = false;
+    m_blinkTimer->stop();
+    m_doorsTargetMs.reset();
     notify(&TimerEngine::messageChanged);
     notify(&TimerEngine::blackoutChanged);
     notify(&TimerEngine::freezeChanged);
     notify(&TimerEngine::clockModeChanged);
     notify(&TimerEngine::blinkActiveChanged);
     notify(&TimerEngine::doorsChanged);
-    notify(&TimerEngine::showLockedChanged);
-    refreshDerived();
-    notifyStateChange();
 }

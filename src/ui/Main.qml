@@ -17,11 +17,15 @@ QtObject {
     required property SessionStore store
     // The displays, and the verb that puts an output window on one of them.
     required property ScreenManager screens
+    // Where the stage and confidence windows open, park and come back.
+    required property OutputWindows outputs
     // The preferences, the alert outputs and the remote control's status, for the settings.
     required property SettingsController settings
 
     // Shows the window of an identifier: "main", "stage", "confidence" or "settings".
     function openWindow(identifier) {
+        if (app.outputs.open(identifier))
+            return;
         const window = { main: operatorWindow, stage: stageWindow, confidence: confidenceWindow,
                          settings: settingsWindow, about: aboutWindow }[identifier];
         if (window) {
@@ -53,6 +57,7 @@ QtObject {
         commandTable: app.commandTable
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)
+        onSendOutput: (identifier, displayIndex) => app.outputs.sendTo(identifier, displayIndex)
         Component.onCompleted: {
             raise();
             requestActivate();
@@ -78,4 +83,6 @@ QtObject {
     property AboutWindow aboutWindow: AboutWindow {
         brand: app.brand
     }
+
+    Component.onCompleted: outputs.attach(operatorWindow, stageWindow, confidenceWindow)
 }

@@ -94,7 +94,7 @@ editor_closed() { ! editor_save_button >/dev/null; }
 
 # The console's top bar buttons on the grey they are filled with, left to right, as
 # "x y w h": "Projets", "Doors", "Stage", the stage's display menu (the narrow one),
-# "Confidence".
+# "Confidence", the confidence's display menu.
 top_bar_buttons() {
     snap
     pixels blobs "$work/now.ppm" "$gx" $((gy + menu_bar)) "$gw" "$top_bar" $bg_elevated 1 2>/dev/null |
@@ -138,20 +138,23 @@ confidence_window() {
     cx=$gx cy=$gy cw=$gw ch=$gh
     ((cx + cw > 3200)) && cw=$((3200 - cx))
     ((cy + ch > 1080)) && ch=$((1080 - cy))
-    ((cw > 200 && ch > 200))
+    ((cw >= 240 && ch >= 135))
 }
+# How many pixels a count of N at 1280 wide is at the confidence window's width: its sizes are
+# fractions of its width, and it opens as a small window beside the console.
+confidence_pixels() { echo $(($1 * cw * cw / (1280 * 1280))); }
 # Its time, in the middle third of its height (the wall clock is above, the next cue below).
 confidence_digits() {
     pixels count "${2:-$work/now.ppm}" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3)) "$1" 12
 }
 confidence_differs_from() {
     snap
-    (($(pixels differ "$1" "$work/now.ppm" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3))) > 500))
+    (($(pixels differ "$1" "$work/now.ppm" "$cx" $((cy + ch * 2 / 5)) "$cw" $((ch / 3))) > $(confidence_pixels 500)))
 }
 # The message, orange, at the confidence window's lower right.
 confidence_message() {
     snap
-    (($(pixels count "$work/now.ppm" $((cx + cw / 2)) $((cy + ch * 4 / 5)) $((cw / 2)) $((ch / 5)) $accent 12) > 1000))
+    (($(pixels count "$work/now.ppm" $((cx + cw / 2)) $((cy + ch * 4 / 5)) $((cw / 2)) $((ch / 5)) $accent 12) > $(confidence_pixels 1000)))
 }
 
 osc_seen() { grep -qE -- "$1" "$work/osc.txt"; }

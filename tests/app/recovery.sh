@@ -25,10 +25,6 @@ print(json.dumps({"id": sys.argv[1], "name": "Gala",
                   "cues": [{"name": f"Cue {i}", "duration": 600} for i in range(1, 21)]}))
 PY
 
-base=http://127.0.0.1:$port
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-post() { curl -s -o /dev/null -X POST -H "Authorization: Bearer $code" -H 'Content-Type: application/json' --data-binary "${2:-{\}}" "$base/api/$1"; }
 field() { curl -s "$base/api/state" | python3 -c "import json,sys; print(json.dumps(json.load(sys.stdin)$1, ensure_ascii=False))"; }
 # waits (10 s at most) until the recovery file says what the Python expression on `s` checks
 wait_recovery() {
@@ -38,14 +34,8 @@ wait_recovery() {
     done
     fail "the recovery file never showed: $1"; cat "$recovery" 2>/dev/null; echo
 }
-run=0
 launch() {
-    run=$((run + 1))
-    KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/gala.orvprjct" 2> "$dir/trace$run" &
-    kairon_pid=$!
-    pids+=("$kairon_pid")
-    wait_for_web "$dir/trace$run"
-    wait_for_trace "$dir/trace$run" first-frame
+    start_kairon "$kairon" "$dir/gala.orvprjct"
     # After the splash, the console: its cue list's footer with the export buttons.
     for _ in $(seq 100); do console_shown && return 0; sleep 0.1; done
     fail "the console did not show"
@@ -103,7 +93,7 @@ post message '{"text":"Plus fort","urgent":true}'
 post blackout
 # "Plein écran sur : VIRTUAL-2", the second entry of the menu under the arrow beside "Stage".
 console_geometry
-xdotool mousemove $((gx + gw - 205)) $((gy + 56)) click 1
+xdotool mousemove $((gx + gw - 231)) $((gy + 56)) click 1
 sleep 0.5 # the menu opens
 xdotool key Down Down Return
 for _ in $(seq 100); do stage_on_second_monitor && break; sleep 0.05; done

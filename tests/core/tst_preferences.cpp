@@ -85,6 +85,38 @@ private slots:
         QCOMPARE(fromDisk.value("splashDuration").toDouble(), 2.5);
         QCOMPARE(fromDisk.value("webEnabled").toBool(), true);
     }
+
+    // Each output remembers the display it was last sent to, as a name and X's geometry text.
+    void eachOutputRemembersItsDisplay()
+    {
+        SettingsSandbox sandbox;
+        QVERIFY(!Preferences::outputDisplay("stage"));
+        const Preferences::OutputDisplay stage{QStringLiteral("HDMI-1"), QRect(1920, 0, 1280, 720)};
+        const Preferences::OutputDisplay confidence{QStringLiteral("DP-2"), QRect(-1920, -40, 1920, 1080)};
+        QVERIFY(Preferences::setOutputDisplay("stage", stage));
+        QVERIFY(Preferences::setOutputDisplay("confidence", confidence));
+        QCOMPARE(Preferences::outputDisplay("stage").value(), stage);
+        QCOMPARE(Preferences::outputDisplay("confidence").value(), confidence);
+        const QSettings stored;
+        QCOMPARE(stored.value("stageDisplayName").toString(), QStringLiteral("HDMI-1"));
+        QCOMPARE(stored.value("stageDisplayGeometry").toString(), QStringLiteral("1280x720+1920+0"));
+        QCOMPARE(stored.value("confidenceDisplayGeometry").toString(), QStringLiteral("1920x1080-1920-40"));
+    }
+
+    // A geometry written by hand that cannot be read leaves the name alone to go by.
+    void anUnreadableGeometryLeavesTheName()
+    {
+        SettingsSandbox sandbox;
+        QSettings().setValue("stageDisplayName", QStringLiteral("HDMI-1"));
+        QSettings().setValue("stageDisplayGeometry", QStringLiteral("grand écran"));
+        QCOMPARE(Preferences::outputDisplay("stage").value(),
+                 (Preferences::OutputDisplay{QStringLiteral("HDMI-1"), QRect()}));
+        QSettings().remove("stageDisplayName");
+        QVERIFY(!Preferences::outputDisplay("stage"));
+        QSettings().setValue("stageDisplayGeometry", QStringLiteral("800x600+0+1080"));
+        QCOMPARE(Preferences::outputDisplay("stage").value(),
+                 (Preferences::OutputDisplay{QString(), QRect(0, 1080, 800, 600)}));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestPreferences)

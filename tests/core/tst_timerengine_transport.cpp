@@ -43,6 +43,52 @@ private slots:
         QVERIFY(!f.engine.isTickerRunning());
     }
 
+    // The console goes back to the library: the clock stops (the cue is logged as by stop) and
+    // nothing of the show stays on air; the show and its log stay.
+    void returningToIdleLeavesNothingOnAir()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Accueil", 60), durationCue("Keynote", 600),
+                                     durationCue("Clôture", 300)}));
+        f.engine.start(1);
+        f.clock.advance(5s);
+        f.engine.tick();
+        f.engine.sendMessage(QStringLiteral("Merci de conclure"), true);
+        f.engine.setBlackout(true);
+        f.engine.toggleFreeze();
+        f.engine.setClockMode(true);
+        f.engine.triggerBlink(TimerEngine::blinkSeconds);
+        f.engine.startDoorsAt(QTime(20, 0));
+        QSignalSpy active(&f.engine, &TimerEngine::activeCueChanged);
+        const qsizetype hooked = f.snapshots.size();
+
+        f.engine.returnToIdle();
+        QVERIFY(!f.engine.isRunning() && !f.engine.isPaused());
+        QVERIFY(!f.engine.isTickerRunning());
+        QVERIFY(!f.engine.activeCueIndex() && !f.engine.selectedCueIndex());
+        QVERIFY(!f.engine.activeCue() && !f.engine.nextCue());
+        QCOMPARE(f.engine.remaining(), 0.0);
+        QCOMPARE(f.engine.elapsed(), 0.0);
+        QVERIFY(!f.engine.currentMessage() && !f.engine.messageUrgent());
+        QVERIFY(!f.engine.blackout() && !f.engine.freeze() && !f.engine.clockMode());
+        QVERIFY(!f.engine.blinkActive() && !f.engine.doorsActive());
+        QCOMPARE(active.count(), 1);
+        // Remote control hears it once, idle.
+        QCOMPARE(f.snapshots.size(), hooked + 1);
+        const TimerStateSnapshot &idle = f.snapshots.last();
+        QVERIFY(!idle.running && !idle.blackout && !idle.freeze && !idle.clockMode && !idle.message);
+        QCOMPARE(idle.cueName, QStringLiteral("—"));
+        QVERIFY(!idle.nextCueName);
+        // The show, and the cue that ran, are kept.
+        QCOMPARE(f.engine.session().cues.size(), 3);
+        QCOMPARE(f.engine.completedCueLog().size(), 1);
+        QCOMPARE(f.engine.completedCueLog().first().cue, QStringLiteral("Keynote"));
+        // The blink's end, later, changes nothing.
+        f.clock.advance(5s);
+        EngineFixture::runPostedJobs();
+        QVERIFY(!f.engine.blinkActive());
+    }
+
     void aDurationCueCountsDownAndResumesWhereItPaused()
     {
         EngineFixture f;

@@ -8,6 +8,7 @@
 #include "enginefixture.h"
 #include "formatters.h"
 #include "networkcoordinator.h"
+#include "outputwindows.h"
 #include "quickitems.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
@@ -28,8 +29,9 @@ Q_IMPORT_QML_PLUGIN(KaironPlugin)
 // in a fresh home (no cached logo) and without network (no logo address).
 struct AppFixture : EngineFixture {
     AppFixture()
-        : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock), store(clock),
-          console(engine, store, flow, toasts, screens, clock,
+        : displayClock(clock), screens(clock), brand(QUrl()), toasts(clock),
+          outputs(screens, toasts, clock), store(clock),
+          console(engine, store, flow, toasts, clock,
                   [this](const QString &path) { revealed << path; }),
           web(engine, clock), settings(engine, network, web, store)
     {
@@ -38,7 +40,7 @@ struct AppFixture : EngineFixture {
         qml.addImportPath(QStringLiteral("qrc:/"));
         qml.setInitialProperties(
             AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                           &settings}
+                           &settings, &outputs}
                 .initialProperties());
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -65,6 +67,7 @@ struct AppFixture : EngineFixture {
     AppFlowState flow;
     BrandAssets brand;
     ToastCenter toasts;
+    OutputWindows outputs;
     SessionStore store;
     QStringList revealed; // the exported files shown in the file manager
     ConsoleController console;

@@ -10,8 +10,10 @@ Rectangle {
     required property TimerEngine engine
     required property ConsoleController console
     required property ConsolePresenter presenter
-    required property var displays // the screens, for the stage menu
+    required property var displays // the screens, for the outputs' menus
     signal openOutput(string identifier)
+    // An output full screen on the display at `displayIndex`, chosen in its menu.
+    signal sendOutput(string identifier, int displayIndex)
     signal editProject
     signal openDoors(Item anchor)
 
@@ -123,16 +125,23 @@ Rectangle {
             help: "Compte à rebours avant le début du show"
             onClicked: bar.openDoors(doors)
         }
-        StageOutputButton {
-            console: bar.console
+        OutputButton {
+            identifier: "stage"
+            text: "Stage"
+            symbol: "rectangle.on.rectangle"
+            help: "Ouvrir la fenêtre Stage"
             displays: bar.displays
-            onOpenStage: bar.openOutput("stage")
+            onOpen: bar.openOutput(identifier)
+            onSendTo: displayIndex => bar.sendOutput(identifier, displayIndex)
         }
-        AccentButtonStyle {
-            objectName: "openConfidence"
-            symbol: "rectangle.inset.filled"
+        OutputButton {
+            identifier: "confidence"
             text: "Confidence"
-            onClicked: bar.openOutput("confidence")
+            symbol: "rectangle.inset.filled"
+            help: "Ouvrir la fenêtre Confidence"
+            displays: bar.displays
+            onOpen: bar.openOutput(identifier)
+            onSendTo: displayIndex => bar.sendOutput(identifier, displayIndex)
         }
         IconButton {
             objectName: "openSettings"

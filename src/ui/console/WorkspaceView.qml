@@ -14,6 +14,7 @@ Rectangle {
     required property DisplayClock clock
     required property BrandAssets brand
     signal openOutput(string identifier)
+    signal sendOutput(string identifier, int displayIndex)
 
     color: AppTheme.bgMain
 
@@ -25,6 +26,7 @@ Rectangle {
 
     ConsoleTopBar {
         id: topBar
+        objectName: "consoleTopBar"
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
@@ -33,6 +35,7 @@ Rectangle {
         presenter: presenter
         displays: root.screens.displays
         onOpenOutput: identifier => root.openOutput(identifier)
+        onSendOutput: (identifier, displayIndex) => root.sendOutput(identifier, displayIndex)
         onEditProject: projectSheet.openForEditing(root.engine.session)
         onOpenDoors: anchor => doors.openBelow(anchor)
     }

@@ -7,10 +7,9 @@
 
 ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &store,
                                      AppFlowState &flow, ToastCenter &toasts,
-                                     ScreenManager &screens, Clock &clock, Reveal reveal,
-                                     QObject *parent)
+                                     Clock &clock, Reveal reveal, QObject *parent)
     : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
-      m_screens(screens), m_clock(clock), m_reveal(std::move(reveal))
+      m_clock(clock), m_reveal(std::move(reveal))
 {
     m_autosave = m_clock.createTimer([this] { autosave(); });
     connect(&m_engine, &TimerEngine::sessionChanged, this, &ConsoleController::showChanged);
@@ -97,7 +96,8 @@ void ConsoleController::save(const QString &success)
 void ConsoleController::backToProjects()
 {
     saveProject(); // the file holds the cues as they stood, the running one included
-    m_engine.stop();
+    // With no show open, the outputs and remote control show nothing of it.
+    m_engine.returnToIdle();
     m_flow.setStage(AppFlowState::Sessions);
 }
 
@@ -209,14 +209,6 @@ void ConsoleController::startDoors(int hour, int minute)
 void ConsoleController::cancelDoors()
 {
     m_engine.cancelDoors();
-}
-
-void ConsoleController::sendStageTo(int displayIndex)
-{
-    m_stageMove = m_clock.createTimer([this, displayIndex] {
-        m_screens.sendWindow(QStringLiteral("Stage"), displayIndex);
-    });
-    m_stageMove->start(stageMoveDelayMs);
 }
 
 bool ConsoleController::editCue(int index)

@@ -4,7 +4,6 @@
 #include "clock.h"
 #include "cuedraft.h"
 #include "diskworker.h"
-#include "screenmanager.h"
 #include "sessionstore.h"
 #include "timerengine.h"
 #include "toastcenter.h"
@@ -37,13 +36,12 @@ class ConsoleController : public QObject
 public:
     // From the first change of the show to its save; later changes do not push it back.
     static constexpr qint64 autosaveDelayMs = 1'000;
-    static constexpr qint64 stageMoveDelayMs = 500; // lets the stage window show before it moves
 
     // Shows an exported file to the operator (in the file manager).
     using Reveal = std::function<void(const QString &path)>;
 
     ConsoleController(TimerEngine &engine, const SessionStore &store, AppFlowState &flow,
-                      ToastCenter &toasts, ScreenManager &screens, Clock &clock, Reveal reveal,
+                      ToastCenter &toasts, Clock &clock, Reveal reveal,
                       QObject *parent = nullptr);
     ~ConsoleController() override;
 
@@ -70,7 +68,8 @@ public:
     bool saveBeforeQuit();
     // Whether a save is being written.
     bool isSaving() const { return m_disk.isBusy(); }
-    // Saves (with its toast), stops the engine and goes back to the project library.
+    // Saves (with its toast), stops the engine, leaves it idle (no cue, message, blackout,
+    // freeze… on the outputs) and goes back to the project library.
     Q_INVOKABLE void backToProjects();
     Q_INVOKABLE void exportReport();
     Q_INVOKABLE void exportRundownPDF();
@@ -100,10 +99,6 @@ public:
     Q_INVOKABLE void launchDoors() { startDoors(m_doorsHour, m_doorsMinute); }
     Q_INVOKABLE void cancelDoors();
 
-    // Called once the stage window was opened: half a second later it goes full screen on the
-    // display at `displayIndex`.
-    Q_INVOKABLE void sendStageTo(int displayIndex);
-
 signals:
     void doorsProposalChanged();
 
@@ -119,14 +114,12 @@ private:
     const SessionStore &m_store;
     AppFlowState &m_flow;
     ToastCenter &m_toasts;
-    ScreenManager &m_screens;
     Clock &m_clock;
     Reveal m_reveal;
     std::unique_ptr<ClockTimer> m_autosave;
     DiskWorker m_disk;
     bool m_autosaveAgain = false; // a change came while a save was being written
     bool m_autosaveFailing = false; // told once, until a save succeeds again
-    std::unique_ptr<ClockTimer> m_stageMove;
     CueDraft m_draft;
     int m_doorsHour = 0;
     int m_doorsMinute = 0;

@@ -78,6 +78,7 @@ ScreenManager::ScreenManager(Clock &clock, QObject *parent)
             &ScreenManager::refreshDisplays);
     // Emitted once the screen has left screens() and before Qt deletes it.
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this](QScreen *leaving) {
+        emit screenLeaving(leaving);
         rescueWindowsFrom(leaving);
         refreshDisplays();
     });
@@ -105,15 +106,26 @@ bool ScreenManager::sendWindow(const QString &titleFragment, int screenIndex)
     QWindow *window = firstVisibleWindowTitled(titleFragment);
     if (!window)
         return false;
+    sendWindowTo(window, screen);
+    return true;
+}
 
+void ScreenManager::sendWindowTo(QWindow *window, QScreen *screen)
+{
     // The latest choice wins over a move still waiting for this window.
     cancelPendingMove(window);
-    if (isFullScreen(window))
+    if (window->isVisible() && isFullScreen(window))
         handOff(window, screen);
     else
         placeFullScreen(window, screen);
     window->raise();
-    return true;
+}
+
+QScreen *ScreenManager::pendingScreenOf(const QWindow *window) const
+{
+    const auto move = std::find_if(m_pendingMoves.cbegin(), m_pendingMoves.cend(),
+                                   [window](const PendingMove &m) { return m.window == window; });
+    return move != m_pendingMoves.cend() ? move->screen.data() : nullptr;
 }
 
 void ScreenManager::handOff(QWindow *window, QScreen *screen)

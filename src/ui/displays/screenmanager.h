@@ -5,6 +5,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QScreen>
 #include <QString>
 #include <QtQml/qqml.h>
 
@@ -14,7 +15,6 @@
 
 class Clock;
 class ClockTimer;
-class QScreen;
 class QWindow;
 
 // Lists the connected displays for the operator and puts an open output window (stage,
@@ -49,9 +49,18 @@ public:
     // screen FullScreenHandOffDelay later. False when the index names no screen or no visible
     // window matches.
     Q_INVOKABLE bool sendWindow(const QString &titleFragment, int screenIndex);
+    // The same for a window already found; a hidden one is shown there.
+    void sendWindowTo(QWindow *window, QScreen *screen);
+    // The screen a window that left full screen is about to go full screen on, if any.
+    QScreen *pendingScreenOf(const QWindow *window) const;
+    // Forgets the move a window waits for, if any.
+    void cancelPendingMove(const QWindow *window);
 
 signals:
     void displaysChanged();
+    // A screen goes away; its windows are still on it. Once the receivers have returned, the
+    // windows left on it are brought onto a remaining screen.
+    void screenLeaving(QScreen *screen);
 
 private:
     // A window that left full screen and goes full screen on `screen` at `deadlineUs`.
@@ -65,7 +74,6 @@ private:
     void handOff(QWindow *window, QScreen *screen);
     void finishDueHandOffs();
     void armForNextHandOff();
-    void cancelPendingMove(const QWindow *window);
 
     void rescueWindowsFrom(QScreen *leaving);
     void refreshDisplays();

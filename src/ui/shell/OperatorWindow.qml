@@ -16,6 +16,7 @@ ApplicationWindow {
     required property SessionStore store
     required property ShellCommandTable commandTable
     signal openOutput(string identifier)
+    signal sendOutput(string identifier, int displayIndex)
 
     title: "Kairon"
     minimumWidth: 1150
@@ -80,6 +81,7 @@ ApplicationWindow {
             clock: window.clock
             brand: window.brand
             onOpenOutput: identifier => window.openOutput(identifier)
+            onSendOutput: (identifier, displayIndex) => window.sendOutput(identifier, displayIndex)
         }
     }
 

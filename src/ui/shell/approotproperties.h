@@ -4,6 +4,7 @@
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
+#include "outputwindows.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
 #include "settingscontroller.h"
@@ -24,6 +25,7 @@ struct AppRootObjects {
     ConsoleController *console;
     SessionStore *store;
     SettingsController *settings;
+    OutputWindows *outputs;
 
     QVariantMap initialProperties() const
     {
@@ -35,6 +37,7 @@ struct AppRootObjects {
                 {QStringLiteral("toasts"), QVariant::fromValue(toasts)},
                 {QStringLiteral("console"), QVariant::fromValue(console)},
                 {QStringLiteral("store"), QVariant::fromValue(store)},
-                {QStringLiteral("settings"), QVariant::fromValue(settings)}};
+                {QStringLiteral("settings"), QVariant::fromValue(settings)},
+                {QStringLiteral("outputs"), QVariant::fromValue(outputs)}};
     }
 };

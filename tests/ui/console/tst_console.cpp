@@ -1,8 +1,11 @@
+#include "confidencepresenter.h"
 #include "consolefixture.h"
 #include "fulldisk.h"
 #include "pixels.h"
 #include "projectdocument.h"
 #include "settingssandbox.h"
+#include "stagepresenter.h"
+#include "theme.h"
 #include "uuidtext.h"
 
 #include <QDir>
@@ -506,6 +509,7 @@ private slots:
         c.engine.stop();
         c.clock.advance(1s);
         QTRY_VERIFY(c.store.read(c.savedFile())->cues[0].actualElapsed);
+        QTRY_VERIFY(!c.console.isSaving()); // the file is there a moment before the outcome
         // Away from the console, nothing more is written.
         c.flow.setStage(AppFlowState::Sessions);
         c.engine.addCue();
@@ -545,23 +549,64 @@ private slots:
         QVERIFY(c.revealed.isEmpty());
     }
 
-    void aDisplayChosenInTheStageMenuOpensTheWindowThenMovesIt()
+    void aDisplayChosenInAnOutputsMenuOpensTheWindowThenMovesIt_data()
     {
+        QTest::addColumn<QString>("output");
+        QTest::newRow("stage") << QStringLiteral("stage");
+        QTest::newRow("confidence") << QStringLiteral("confidence");
+    }
+
+    // The same menu beside "Stage" and "Confidence": the window opens, then goes full screen
+    // on the display half a second later, which it remembers.
+    void aDisplayChosenInAnOutputsMenuOpensTheWindowThenMovesIt()
+    {
+        QFETCH(QString, output);
         Console c({durationCue("Intro", 60)});
-        QQuickWindow *stage = c.window("stageWindow");
-        c.click("stageDisplays");
-        QTRY_VERIFY(c.shown("stageDisplay0"));
+        QQuickWindow *window = c.window(qPrintable(output + "Window"));
+        c.click(qPrintable(output + "Displays"));
+        QTRY_VERIFY(c.shown(qPrintable(output + "Display0")));
         const QString name = c.screens.displays().first().name;
-        QCOMPARE(c.item("stageDisplay0")->property("text").toString(),
+        QCOMPARE(c.text(qPrintable(output + "Display0")),
                  QStringLiteral("Plein écran sur : ") + name + QStringLiteral(" (principal)"));
-        c.click("stageDisplay0");
-        QTRY_VERIFY(stage->isVisible());
-        QVERIFY(stage->visibility() != QWindow::FullScreen);
+        c.click(qPrintable(output + "Display0"));
+        QTRY_VERIFY(window->isVisible());
+        QVERIFY(window->visibility() != QWindow::FullScreen);
         c.clock.advance(499ms);
-        QVERIFY(stage->visibility() != QWindow::FullScreen);
+        QVERIFY(window->visibility() != QWindow::FullScreen);
         c.clock.advance(1ms);
-        QTRY_COMPARE(stage->visibility(), QWindow::FullScreen);
-        stage->close();
+        QTRY_COMPARE(window->visibility(), QWindow::FullScreen);
+        const QScreen *screen = QGuiApplication::screens().first();
+        QCOMPARE(Preferences::outputDisplay(output).value(),
+                 (Preferences::OutputDisplay{screen->name(), screen->geometry()}));
+        window->close();
+    }
+
+    // "Projets" leaves nothing of the show on the outputs: no cue, message, blackout or freeze.
+    void leavingTheShowLeavesTheOutputsIdle()
+    {
+        Console c({durationCue("Intro", 600), durationCue("Keynote", 900)});
+        c.engine.start(0);
+        c.clock.advance(5s);
+        c.engine.sendMessage(QStringLiteral("Merci de conclure"), false);
+        c.click("toggleBlackout");
+        c.click("toggleFreeze");
+        QVERIFY(c.outputs.open("stage"));
+        QVERIFY(c.outputs.open("confidence"));
+        auto *stage = c.window("stageWindow")->findChild<StagePresenter *>("stagePresenter");
+        auto *confidence = c.window("confidenceWindow")->findChild<ConfidencePresenter *>("confidencePresenter");
+        QVERIFY(stage && confidence);
+        QCOMPARE(stage->mode(), StagePresenter::Blackout);
+        QVERIFY(confidence->hasMessage());
+
+        c.click("backToProjects");
+        QCOMPARE(c.flow.stage(), AppFlowState::Sessions);
+        QTRY_COMPARE(stage->mode(), StagePresenter::Timer);
+        QVERIFY(!stage->hasCue() && !stage->frozen() && !stage->bannerVisible());
+        QCOMPARE(stage->timeText(), QStringLiteral("00:00"));
+        QCOMPARE(stage->stateColor(), toQColor(AppTheme::textMuted));
+        QVERIFY(!confidence->hasCue() && !confidence->hasMessage() && !confidence->hasNext());
+        QCOMPARE(confidence->timeText(), QStringLiteral("00:00"));
+        QVERIFY(c.window("stageWindow")->isVisible()); // the outputs stay open, idle
     }
 
     void onANarrowPanelTheTimeShrinksFromItsFloorOf120()

@@ -2,11 +2,10 @@
 // the primary) and STAGE (1280x720 at 1920,0). Screens are unplugged and plugged back through
 // the offscreen platform's own configuration hook.
 #include "manualclock.h"
+#include "offscreenscreens.h"
 #include "screenmanager.h"
 
 #include <QGuiApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -16,7 +15,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWindow>
-#include <qpa/qplatformnativeinterface.h>
 
 #include <memory>
 #include <vector>
@@ -29,38 +27,8 @@ namespace {
 const QRect OperatorArea(0, 0, 1920, 1080);
 const QRect StageArea(1920, 0, 1280, 720);
 
-QJsonObject screenConfig(const QString &name, const QRect &area)
-{
-    return {{"name", name},       {"x", area.x()},          {"y", area.y()},
-            {"width", area.width()}, {"height", area.height()}, {"logicalDpi", 96},
-            {"logicalBaseDpi", 96}, {"dpr", 1}};
-}
-
-const QJsonObject Operator = screenConfig("OPERATOR", OperatorArea);
-const QJsonObject Stage = screenConfig("STAGE", StageArea);
-
-// Plugs and unplugs screens: the offscreen platform adds and removes the screens that
-// appear in or vanish from the list, as the window system does for a real display.
-void setScreens(const QJsonArray &screens)
-{
-    QPlatformNativeInterface *native = QGuiApplication::platformNativeInterface();
-    using Get = QJsonObject (*)(QPlatformNativeInterface *);
-    using Set = void (*)(const QJsonObject &, QPlatformNativeInterface *);
-    const auto get = reinterpret_cast<Get>(native->nativeResourceForIntegration("configuration"));
-    const auto set = reinterpret_cast<Set>(native->nativeResourceForIntegration("setConfiguration"));
-    QVERIFY(get && set);
-    QJsonObject configuration = get(native);
-    configuration["screens"] = screens;
-    set(configuration, native);
-}
-
-QStringList screenNames()
-{
-    QStringList names;
-    for (const QScreen *screen : QGuiApplication::screens())
-        names << screen->name();
-    return names;
-}
+const QJsonObject Operator = OffscreenScreens::screen("OPERATOR", OperatorArea);
+const QJsonObject Stage = OffscreenScreens::screen("STAGE", StageArea);
 
 // The offscreen platform cannot raise a window and says so each time it is asked: counting
 // those messages counts the raises.
@@ -124,14 +92,8 @@ private slots:
 
     void init()
     {
-        // Back to OPERATOR then STAGE, in that order, without ever leaving the platform
-        // with no screen.
-        if (screenNames() != QStringList{"OPERATOR", "STAGE"}) {
-            setScreens({Stage, Operator});
-            setScreens({Operator});
-            setScreens({Operator, Stage});
-        }
-        QCOMPARE(screenNames(), (QStringList{"OPERATOR", "STAGE"}));
+        OffscreenScreens::setTwo(Operator, Stage);
+        QCOMPARE(OffscreenScreens::names(), (QStringList{"OPERATOR", "STAGE"}));
         m_manager = std::make_unique<ScreenManager>(m_clock);
         // Qt warns when something asks an output window, which refuses the focus, to activate.
         QTest::failOnWarning(QRegularExpression("requestActivate"));
@@ -319,12 +281,12 @@ private slots:
     void announcesDisplaysWhenAScreenIsUnpluggedAndPluggedBack()
     {
         QSignalSpy changed(m_manager.get(), &ScreenManager::displaysChanged);
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         QCOMPARE(changed.count(), 1);
         QCOMPARE(m_manager->displays(), (Displays{{0, "OPERATOR", true}}));
         QVERIFY(!m_manager->sendWindow("Stage", 1));
 
-        setScreens({Operator, Stage});
+        OffscreenScreens::set({Operator, Stage});
         QCOMPARE(changed.count(), 2);
         QCOMPARE(m_manager->displays(),
                  (Displays{{0, "OPERATOR", true}, {1, "STAGE", false}}));
@@ -339,7 +301,7 @@ private slots:
         confidence->setScreen(screen(1));
         QCoreApplication::processEvents();
 
-        setScreens({Operator});
+        OffscreenScreens::set({Operator});
         QCoreApplication::processEvents();
         QVERIFY(stage->isVisible());
         QCOMPARE(stage->screen(), screen(0));
@@ -360,7 +322,7 @@ private slots:
         QVERIFY(stage);
         QSignalSpy changed(m_manager.get(), &ScreenManager::displaysChanged);
 
-        setScreens({Stage});
+        OffscreenScreens::set({Stage});
         QCOMPARE(changed.count(), 1);
         QCOMPARE(m_manager->displays(), (Displays{{0, "STAGE", true}}));
         m_clock.advance(ScreenManager::FullScreenHandOffDelay);
@@ -375,13 +337,7 @@ int main(int argc, char *argv[])
 {
     // Two screens, from a configuration file read when the platform starts.
     QTemporaryDir dir;
-    const QString path = dir.filePath("screens.json");
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(path));
-    file.write(QJsonDocument(QJsonObject{{"screens", QJsonArray{Operator, Stage}}}).toJson());
-    file.close();
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toLocal8Bit());
+    OffscreenScreens::useAtStart(dir, {Operator, Stage});
 
     QGuiApplication app(argc, argv);
     TestScreenManager test;

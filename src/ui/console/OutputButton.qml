@@ -2,28 +2,34 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// "Stage" opens the stage window; the arrow beside it lists the displays, and choosing one
-// opens the window and, half a second later, puts it full screen there.
+// An output's button ("Stage", "Confidence") opens its window; the arrow beside it lists the
+// displays, and choosing one opens the window and, half a second later, puts it full screen
+// there. The object names start with the output's identifier: "stageDisplays",
+// "confidenceDisplay0"…
 Row {
     id: root
 
-    required property ConsoleController console
+    required property string identifier
+    required property string text
+    required property string symbol
+    required property string help
     required property var displays
-    signal openStage
+    signal open
+    signal sendTo(int displayIndex)
 
     spacing: 2
 
     AccentButtonStyle {
-        objectName: "openStage"
-        symbol: "rectangle.on.rectangle"
-        text: "Stage"
-        help: "Ouvrir la fenêtre Stage"
-        onClicked: root.openStage()
+        objectName: "open" + root.text
+        symbol: root.symbol
+        text: root.text
+        help: root.help
+        onClicked: root.open()
     }
 
     IconButton {
         id: more
-        objectName: "stageDisplays"
+        objectName: root.identifier + "Displays"
         side: 32
         width: 24
         symbol: "chevron.down"
@@ -35,7 +41,7 @@ Row {
 
     Menu {
         id: displayMenu
-        objectName: "stageDisplayMenu"
+        objectName: root.identifier + "DisplayMenu"
         width: 320 // a display's whole name and "(principal)"
         margins: 8
         Instantiator {
@@ -44,13 +50,10 @@ Row {
             onObjectRemoved: (index, item) => displayMenu.removeItem(item)
             delegate: MenuItem {
                 required property var modelData
-                objectName: "stageDisplay" + modelData.id
+                objectName: root.identifier + "Display" + modelData.id
                 text: ("Plein écran sur : " + modelData.name + (modelData.isMain ? " (principal)" : ""))
                       .replace(/&/g, "&&") // a "&" in a name is no key mnemonic
-                onTriggered: {
-                    root.openStage();
-                    root.console.sendStageTo(modelData.id);
-                }
+                onTriggered: root.sendTo(modelData.id)
             }
         }
     }
