@@ -148,13 +148,26 @@ struct ReferenceShow {
     {
         stop();
         cues = show;
-        active.reset();
+        clearLiveState();
         selected = show.isEmpty() ? std::nullopt : std::optional(0);
         log.clear();
         undo.clear();
         redo.clear();
+        locked = false;
+    }
+    // The show is left for the library: stopped, nothing active, selected or shown; its cues,
+    // log, undo steps and lock stay.
+    void returnToIdle()
+    {
+        stop();
+        clearLiveState();
+        selected.reset();
+    }
+    void clearLiveState()
+    {
+        active.reset();
         message.reset();
-        urgent = blackout = freeze = clockMode = blink = locked = false;
+        urgent = blackout = freeze = clockMode = blink = false;
         doorsTargetMs.reset();
         planned = 0;
     }

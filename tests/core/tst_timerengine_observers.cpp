@@ -273,7 +273,7 @@ private:
         const qint64 nowUs = f.clock.monotonicUs();
         const int count = int(model.cues.size());
         const int anyIndex = rng.bounded(-1, count + 2); // sometimes out of range
-        switch (operation ? *operation : rng.bounded(24)) {
+        switch (operation ? *operation : rng.bounded(25)) {
         case 0: {
             QList<Cue> show;
             const int size = rng.bounded(4) == 0 ? 0 : rng.bounded(1, 25);
@@ -408,6 +408,10 @@ private:
             model.tick(f.clock.monotonicUs(), f.clock.now().toMSecsSinceEpoch());
             e.tick();
             return QStringLiteral("tick");
+        case 23:
+            model.returnToIdle();
+            e.returnToIdle();
+            return QStringLiteral("back to the library");
         default:
             EngineFixture::runPostedJobs();
             return QStringLiteral("posted jobs");
