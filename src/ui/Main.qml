@@ -12,7 +12,7 @@ QtObject {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
-    required property ConsoleController console
+    required property ConsoleController consoleController
     // The project library on disk.
     required property SessionStore store
     // The displays, and the verb that puts an output window on one of them.
@@ -51,7 +51,7 @@ QtObject {
         flow: app.flow
         brand: app.brand
         toasts: app.toasts
-        console: app.console
+        consoleController: app.consoleController
         screens: app.screens
         store: app.store
         commandTable: app.commandTable

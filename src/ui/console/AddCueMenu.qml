@@ -7,7 +7,7 @@ Menu {
     id: menu
 
     required property ConsolePresenter presenter
-    required property ConsoleController console
+    required property ConsoleController consoleController
 
     objectName: "addCueMenu"
     width: 260
@@ -15,7 +15,7 @@ Menu {
     MenuItem {
         objectName: "addBlankCue"
         text: "Cue vide"
-        onTriggered: menu.console.addBlankCue()
+        onTriggered: menu.consoleController.addBlankCue()
     }
     MenuSeparator {}
     Instantiator {
@@ -27,7 +27,7 @@ Menu {
             required property int index
             objectName: "addTemplate" + index
             text: modelData.replace(/&/g, "&&") // shown as typed, not as a key mnemonic ("Q&A")
-            onTriggered: menu.console.addCueFromTemplate(index)
+            onTriggered: menu.consoleController.addCueFromTemplate(index)
         }
     }
 }

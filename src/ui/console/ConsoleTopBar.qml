@@ -8,7 +8,7 @@ Rectangle {
     id: bar
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ConsolePresenter presenter
     required property var displays // the screens, for the outputs' menus
     signal openOutput(string identifier)
@@ -41,7 +41,7 @@ Rectangle {
             symbol: "chevron.left"
             text: "Projets"
             help: "Retour aux projets (sauvegarde automatique)"
-            onClicked: bar.console.backToProjects()
+            onClicked: bar.consoleController.backToProjects()
         }
 
         Row {
@@ -105,15 +105,15 @@ Rectangle {
             objectName: "saveProject"
             symbol: "square.and.arrow.down"
             help: "Sauvegarder le projet (" + saveKeys.nativeText + ")"
-            onClicked: bar.console.saveProject()
-            Shortcut { id: saveKeys; sequence: "Ctrl+S"; onActivated: bar.console.saveProject() }
+            onClicked: bar.consoleController.saveProject()
+            Shortcut { id: saveKeys; sequence: "Ctrl+S"; onActivated: bar.consoleController.saveProject() }
         }
         IconButton {
             objectName: "showLock"
             symbol: bar.presenter.lockSymbol
             iconColor: bar.presenter.lockColor
             help: bar.presenter.lockHelp
-            onClicked: bar.console.toggleShowLock()
+            onClicked: bar.consoleController.toggleShowLock()
         }
         AccentButtonStyle {
             id: doors

@@ -9,7 +9,7 @@ Rectangle {
     id: panel
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ConsolePresenter presenter
     signal editCue(int index)
     signal deleteCue(int index)
@@ -59,7 +59,7 @@ Rectangle {
         AddCueMenu {
             id: addMenu
             presenter: panel.presenter
-            console: panel.console
+            consoleController: panel.consoleController
         }
     }
 
@@ -86,15 +86,15 @@ Rectangle {
             width: cues.width
             locked: panel.engine.showLocked
             count: cues.count
-            onSelectRequested: { panel.console.selectCue(index); cues.forceActiveFocus(); }
-            onStartRequested: panel.console.startCue(index)
+            onSelectRequested: { panel.consoleController.selectCue(index); cues.forceActiveFocus(); }
+            onStartRequested: panel.consoleController.startCue(index)
             onEditRequested: panel.editCue(index)
             onDeleteRequested: panel.deleteCue(index)
             onMoveRequested: offset => panel.engine.moveCue(index, offset)
         }
 
-        Keys.onUpPressed: panel.console.selectCue(Math.max(0, currentIndex - 1))
-        Keys.onDownPressed: panel.console.selectCue(Math.min(count - 1, currentIndex + 1))
+        Keys.onUpPressed: panel.consoleController.selectCue(Math.max(0, currentIndex - 1))
+        Keys.onDownPressed: panel.consoleController.selectCue(Math.min(count - 1, currentIndex + 1))
         Keys.onReturnPressed: if (currentIndex >= 0) panel.editCue(currentIndex)
         Keys.onEnterPressed: if (currentIndex >= 0) panel.editCue(currentIndex)
         Keys.onDeletePressed: if (currentIndex >= 0 && !panel.engine.showLocked) panel.deleteCue(currentIndex)
@@ -165,13 +165,13 @@ Rectangle {
                 objectName: "exportReport"
                 symbol: "square.and.arrow.up"
                 help: "Exporter le rapport de session (réel vs prévu)"
-                onClicked: panel.console.exportReport()
+                onClicked: panel.consoleController.exportReport()
             }
             IconButton {
                 objectName: "exportRundown"
                 symbol: "doc.richtext"
                 help: "Exporter le rundown en PDF brandé (à distribuer avant l'événement)"
-                onClicked: panel.console.exportRundownPDF()
+                onClicked: panel.consoleController.exportRundownPDF()
             }
         }
     }

@@ -8,7 +8,7 @@ Popup {
     id: popover
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
 
     objectName: "doorsPopover"
     padding: 16
@@ -18,7 +18,7 @@ Popup {
 
     // Opens under the doors button, its right edge on the button's.
     function openBelow(anchor) {
-        console.proposeDoorsTime();
+        popover.consoleController.proposeDoorsTime();
         const at = anchor.mapToItem(parent, anchor.width - width, anchor.height + 6);
         x = Math.max(8, at.x);
         y = at.y;
@@ -48,9 +48,9 @@ Popup {
             active: popover.visible
             sourceComponent: HourMinutePicker {
                 objectName: "doorsTime"
-                hour: popover.console.doorsHour
-                minute: popover.console.doorsMinute
-                onEdited: (hour, minute) => popover.console.setDoorsTime(hour, minute)
+                hour: popover.consoleController.doorsHour
+                minute: popover.consoleController.doorsMinute
+                onEdited: (hour, minute) => popover.consoleController.setDoorsTime(hour, minute)
             }
         }
         Text {
@@ -66,14 +66,14 @@ Popup {
                 objectName: "cancelDoors"
                 visible: popover.engine.doorsActive
                 text: "Annuler doors"
-                onClicked: popover.console.cancelDoors()
+                onClicked: popover.consoleController.cancelDoors()
             }
             AccentButtonStyle {
                 objectName: "launchDoors"
                 prominent: true
                 text: "Lancer"
                 onClicked: {
-                    popover.console.launchDoors();
+                    popover.consoleController.launchDoors();
                     popover.close();
                 }
             }

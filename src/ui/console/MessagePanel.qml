@@ -9,7 +9,7 @@ PanelBackground {
     id: panel
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ConsolePresenter presenter
 
     implicitHeight: column.implicitHeight + 28
@@ -60,7 +60,7 @@ PanelBackground {
                     labelColor: modelData.urgent ? AppTheme.stateDanger : AppTheme.textPrimary
                     leftPadding: 12
                     rightPadding: 12
-                    onClicked: panel.console.sendPreset(index)
+                    onClicked: panel.consoleController.sendPreset(index)
                 }
             }
         }
@@ -93,12 +93,12 @@ PanelBackground {
                 labelColor: AppTheme.stateDanger
                 onClicked: panel.send(true)
             }
-            AccentButtonStyle { objectName: "clearMessage"; text: "Effacer"; onClicked: panel.console.clearMessage() }
+            AccentButtonStyle { objectName: "clearMessage"; text: "Effacer"; onClicked: panel.consoleController.clearMessage() }
         }
     }
 
     function send(urgent) {
-        if (console.sendCustom(field.text, urgent))
+        if (panel.consoleController.sendCustom(field.text, urgent))
             field.text = "";
     }
 }

@@ -8,7 +8,7 @@ Flow {
     id: bar
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ConsolePresenter presenter
     required property ShowCommands commands
 
@@ -48,7 +48,7 @@ Flow {
         iconColor: "white"
         fill: AppTheme.accent
         help: "Play/Pause (Espace)"
-        onClicked: bar.console.playPause()
+        onClicked: bar.consoleController.playPause()
     }
     Transport { objectName: "transportStop"; symbol: "stop.fill"; help: "Stop (" + keys.stop + ")"; onClicked: bar.engine.stop() }
     Transport { objectName: "transportReset"; symbol: "arrow.counterclockwise"; help: "Reset (" + keys.reset + ")"; onClicked: bar.engine.reset() }
@@ -69,9 +69,9 @@ Flow {
     height: 72
 
     Toggle { objectName: "toggleBlink"; symbol: "bolt.fill"; on: bar.engine.blinkActive; help: "Blink — flash la sortie speaker (" + keys.blink + ")"; onClicked: bar.commands.blink() }
-    Toggle { objectName: "toggleBlackout"; symbol: "eye.slash.fill"; on: bar.engine.blackout; help: "Blackout (" + keys.blackout + ")"; onClicked: bar.console.toggleBlackout() }
+    Toggle { objectName: "toggleBlackout"; symbol: "eye.slash.fill"; on: bar.engine.blackout; help: "Blackout (" + keys.blackout + ")"; onClicked: bar.consoleController.toggleBlackout() }
     Toggle { objectName: "toggleFreeze"; symbol: "snowflake"; on: bar.engine.freeze; help: "Freeze (" + keys.freeze + ")"; onClicked: bar.engine.toggleFreeze() }
-    Toggle { objectName: "toggleClock"; symbol: "clock.fill"; on: bar.engine.clockMode; help: "Mode horloge (" + keys.clock + ")"; onClicked: bar.console.toggleClockMode() }
+    Toggle { objectName: "toggleClock"; symbol: "clock.fill"; on: bar.engine.clockMode; help: "Mode horloge (" + keys.clock + ")"; onClicked: bar.consoleController.toggleClockMode() }
     }
 
     // The menu shortcuts as this platform writes them ("Ctrl+←" here, "⌘←" on macOS).

@@ -8,7 +8,7 @@ Rectangle {
     id: root
 
     required property TimerEngine engine
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ShowCommands commands
     required property ScreenManager screens
     required property DisplayClock clock
@@ -31,7 +31,7 @@ Rectangle {
         anchors.right: parent.right
         anchors.top: parent.top
         engine: root.engine
-        console: root.console
+        consoleController: root.consoleController
         presenter: presenter
         displays: root.screens.displays
         onOpenOutput: identifier => root.openOutput(identifier)
@@ -50,7 +50,7 @@ Rectangle {
         // no wider than 800: long names show whole while the timer keeps room.
         width: Math.round(Math.max(320, Math.min(800, root.width * (0.33 + 0.07 * Math.min(Math.max((root.width - 1150) / 770, 0), 1)))))
         engine: root.engine
-        console: root.console
+        consoleController: root.consoleController
         presenter: presenter
         onEditCue: index => root.editCue(index)
         onDeleteCue: index => deleteDialog.ask(index)
@@ -85,7 +85,7 @@ Rectangle {
                 objectName: "transport"
                 width: parent.width
                 engine: root.engine
-                console: root.console
+                consoleController: root.consoleController
                 presenter: presenter
                 commands: root.commands
             }
@@ -93,7 +93,7 @@ Rectangle {
                 objectName: "messagePanel"
                 width: parent.width
                 engine: root.engine
-                console: root.console
+                consoleController: root.consoleController
                 presenter: presenter
             }
         }
@@ -109,8 +109,8 @@ Rectangle {
 
     CueEditorView {
         id: cueEditor
-        draft: root.console.cueDraft
-        onSaved: root.console.saveCueDraft()
+        draft: root.consoleController.cueDraft
+        onSaved: root.consoleController.saveCueDraft()
         onClosed: cueList.list.forceActiveFocus()
     }
 
@@ -118,19 +118,19 @@ Rectangle {
         id: projectSheet
         clock: root.clock
         brand: root.brand
-        onEdited: session => root.console.saveProjectInfo(session)
+        onEdited: session => root.consoleController.saveProjectInfo(session)
         onClosed: cueList.list.forceActiveFocus()
     }
 
     DoorsPopover {
         id: doors
         engine: root.engine
-        console: root.console
+        consoleController: root.consoleController
     }
 
     // Opens the cue editor on the cue at `index`.
     function editCue(index) {
-        if (root.console.editCue(index))
+        if (root.consoleController.editCue(index))
             cueEditor.open();
     }
 

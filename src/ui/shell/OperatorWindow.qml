@@ -11,7 +11,7 @@ ApplicationWindow {
     required property AppFlowState flow
     required property BrandAssets brand
     required property ToastCenter toasts
-    required property ConsoleController console
+    required property ConsoleController consoleController
     required property ScreenManager screens
     required property SessionStore store
     required property ShellCommandTable commandTable
@@ -75,7 +75,7 @@ ApplicationWindow {
         }
         workspace: WorkspaceView {
             engine: window.engine
-            console: window.console
+            consoleController: window.consoleController
             commands: window.commandTable.commands
             screens: window.screens
             clock: window.clock

@@ -35,7 +35,7 @@ struct AppRootObjects {
                 {QStringLiteral("brand"), QVariant::fromValue(brand)},
                 {QStringLiteral("screens"), QVariant::fromValue(screens)},
                 {QStringLiteral("toasts"), QVariant::fromValue(toasts)},
-                {QStringLiteral("console"), QVariant::fromValue(console)},
+                {QStringLiteral("consoleController"), QVariant::fromValue(console)},
                 {QStringLiteral("store"), QVariant::fromValue(store)},
                 {QStringLiteral("settings"), QVariant::fromValue(settings)},
                 {QStringLiteral("outputs"), QVariant::fromValue(outputs)}};
