@@ -55,6 +55,12 @@ xauth -q add "$DISPLAY" . "$cookie" 2>/dev/null
 
 xrandr --setmonitor VIRTUAL-1 1920/508x1080/286+0+0 screen >/dev/null
 xrandr --setmonitor VIRTUAL-2 1280/338x720/190+1920+0 none >/dev/null
+# French letters get keys of their own (on keycodes the server leaves empty), as on a French
+# keyboard. Otherwise xdotool types each one by remapping a spare key, pressing it and mapping it
+# back at once; a busy program reads the key after that and loses the letter.
+xmodmap -e "keycode 93 = eacute Eacute" -e "keycode 97 = egrave Egrave" \
+        -e "keycode 103 = agrave Agrave" -e "keycode 120 = ccedilla Ccedilla" \
+        -e "keycode 132 = ecircumflex Ecircumflex"
 
 openbox --sm-disable >"$dir/openbox.log" 2>&1 &
 wm_pid=$!
