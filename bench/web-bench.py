@@ -1,20 +1,21 @@
 """Remote control over the web, measured from outside the real program on loopback.
 
-1. A command over HTTP to the state seen on the WebSocket: a keep-alive HTTP connection posts a
-   new message text, a WebSocket viewer waits for the push carrying it (median, p99, max).
-2. 100 WebSocket viewers while a cue runs: the program's CPU (from /proc, user + system) without
-   viewers and with them, how far apart the viewers receive each shown second (the spread), and
-   how long after the engine's own boundary each push was stamped (the tick and the push behind it).
+1. A command over HTTP to the first viewer that sees it: a keep-alive HTTP connection posts a
+   command, a WebSocket viewer on a plain socket waits for the patch it makes (median, p99, max),
+   for start, pause and message.
+2. The bytes a viewer gets while one cue of a 200-cue show runs, pings and their answers aside.
+3. 100 WebSocket viewers, each pinging once a second as the pages do: the program's CPU (from
+   /proc, user + system) without viewers and with them.
 Usage: web-bench.py PORT CODE PID [SECONDS]   (python3-websockets from Debian)
 """
 import asyncio
-import json
 import os
 import statistics
 import sys
 import time
 
-import websockets
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "app"))
+from feedclient import HttpClient, RawViewer, Viewer  # noqa: E402
 
 port, code, pid = int(sys.argv[1]), sys.argv[2], int(sys.argv[3])
 seconds = int(sys.argv[4]) if len(sys.argv) > 4 else 30
@@ -34,91 +35,62 @@ def percentile(values, p):
     return ordered[min(len(ordered) - 1, int(round(p / 100 * (len(ordered) - 1))))]
 
 
-async def post(reader, writer, path, body):
-    data = json.dumps(body).encode()
-    writer.write(f"POST {path} HTTP/1.1\r\nHost: bench\r\nAuthorization: Bearer {code}\r\n"
-                 f"Content-Type: application/json\r\nContent-Length: {len(data)}\r\n\r\n".encode() + data)
-    head = await reader.readuntil(b"\r\n\r\n")
-    length = next(int(line.split(b":")[1]) for line in head.split(b"\r\n")
-                  if line.lower().startswith(b"content-length"))
-    await reader.readexactly(length)
-    if not head.startswith(b"HTTP/1.1 200"):
-        raise SystemExit(f"command refused: {head!r}")
-
-
-async def command_to_push(rounds=500):
-    reader, writer = await asyncio.open_connection("127.0.0.1", port)
-    async with websockets.connect(url) as ws:
-        await ws.recv()
+def command_to_viewer(rounds=500):
+    http = HttpClient(port, code)
+    viewer = RawViewer(port)
+    viewer.message(), viewer.message()  # the show and the state
+    commands = {
+        "start": lambda i: ("start", {"index": i % 2}),
+        "pause": lambda i: ("pause", None),
+        "message": lambda i: ("message", {"text": f"bench {i}"}),
+    }
+    for name, make in commands.items():
         latencies = []
         for i in range(rounds):
-            text = f"bench {i}"
+            command, body = make(i)
             start = time.perf_counter_ns()
-            await post(reader, writer, "/api/message", {"text": text})
-            while json.loads(await ws.recv()).get("message") != text:
-                pass
+            http.send(command, body)
+            patch = viewer.message()
             latencies.append((time.perf_counter_ns() - start) / 1e6)
-        await post(reader, writer, "/api/message", {"text": None})
-    writer.close()
-    print(f"command over HTTP to state on the WebSocket, {rounds} rounds: "
-          f"median {statistics.median(latencies):.3f} ms, p99 {percentile(latencies, 99):.3f} ms, "
-          f"max {max(latencies):.3f} ms")
+            http.answer()
+            if patch.get("type") != "patch":
+                raise SystemExit(f"{name}: {patch}")
+        print(f"HTTP {name} to the first viewer, {rounds} rounds: median "
+              f"{statistics.median(latencies):.3f} ms, p99 {percentile(latencies, 99):.3f} ms, "
+              f"max {max(latencies):.3f} ms")
+    http.post("message", {"text": None})
+    http.post("start", {"index": 0})
+    viewer.close()
+    http.close()
 
 
-async def viewer(ws, arrivals, stamps):
-    """Records when this viewer learns each shown second, and the server's stamps."""
-    previous = None
-    async for text in ws:
-        now = time.time_ns() / 1e6
-        state = json.loads(text)
-        shown = int(state["remaining"])
-        if previous is not None and shown != previous:
-            arrivals.setdefault(shown, []).append(now)
-            stamps.setdefault(shown, state["serverTimeMs"])
-        previous = shown
+async def bytes_while_a_cue_runs(duration):
+    viewer = await Viewer.connect(url)
+    welcome = viewer.bytes
+    read = await viewer.quiet(duration)
+    other = sum(len(str(m).encode()) for m in read if "pong" not in m)
+    pongs = sum(1 for m in read if "pong" in m)
+    await viewer.close()
+    print(f"one viewer while a cue of a 200-cue show runs, {duration} s: {other / duration:.1f} bytes/s "
+          f"besides {pongs} pongs (the welcome: {welcome} bytes, once)")
 
 
-async def hundred_viewers():
-    reader, writer = await asyncio.open_connection("127.0.0.1", port)
-    await post(reader, writer, "/api/play", {})
-    await asyncio.sleep(2)
+async def hundred_viewers(duration):
     before, start = cpu_seconds(), time.monotonic()
-    await asyncio.sleep(seconds / 3)
+    await asyncio.sleep(duration)
     idle_cpu = (cpu_seconds() - before) / (time.monotonic() - start) * 100
-
-    sockets = [await websockets.connect(url) for _ in range(VIEWERS)]
-    # The boundaries the engine announces, from one viewer's pushes: the second shown next
-    # changes at nextSecondAtMs.
-    arrivals, stamps, boundaries = {}, {}, {}
-    async def announcer():
-        async with websockets.connect(url) as ws:
-            async for text in ws:
-                state = json.loads(text)
-                if state.get("nextSecondAtMs") is not None:
-                    boundaries[int(state["remaining"]) - 1] = state["nextSecondAtMs"]
-    tasks = [asyncio.create_task(viewer(ws, arrivals, stamps)) for ws in sockets]
-    tasks.append(asyncio.create_task(announcer()))
+    viewers = await asyncio.gather(*(Viewer.connect(url) for _ in range(VIEWERS)))
     await asyncio.sleep(1)
     before, start = cpu_seconds(), time.monotonic()
-    await asyncio.sleep(seconds)
+    reads = await asyncio.gather(*(v.quiet(duration) for v in viewers))
     viewers_cpu = (cpu_seconds() - before) / (time.monotonic() - start) * 100
-    for task in tasks:
-        task.cancel()
-    await asyncio.gather(*(ws.close() for ws in sockets), return_exceptions=True)
-    await post(reader, writer, "/api/stop", {})
-    writer.close()
-
-    complete = {s: a for s, a in arrivals.items() if len(a) == VIEWERS}
-    spreads = [max(a) - min(a) for a in complete.values()]
-    late = [stamps[s] - boundaries[s] for s in complete if s in boundaries]
+    await asyncio.gather(*(v.close() for v in viewers))
+    other = sum(1 for read in reads for m in read if "pong" not in m)
     print(f"CPU of the program while a cue runs: {idle_cpu:.2f} % of one core without viewers, "
-          f"{viewers_cpu:.2f} % with {VIEWERS} viewers")
-    print(f"{len(complete)} shown seconds reached all {VIEWERS} viewers; spread of the arrival "
-          f"across viewers: median {statistics.median(spreads):.2f} ms, "
-          f"max {max(spreads):.2f} ms")
-    print(f"push stamped after the engine's boundary: median {statistics.median(late):.1f} ms, "
-          f"max {max(late):.1f} ms (server clock in whole ms)")
+          f"{viewers_cpu:.2f} % with {VIEWERS} viewers pinging once a second "
+          f"(+{viewers_cpu - idle_cpu:.2f} %); {other} messages besides the pongs")
 
 
-asyncio.run(command_to_push())
-asyncio.run(hundred_viewers())
+command_to_viewer()
+asyncio.run(bytes_while_a_cue_runs(seconds))
+asyncio.run(hundred_viewers(seconds))

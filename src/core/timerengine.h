@@ -227,6 +227,9 @@ signals:
     void completedCueLogChanged();
     void templatesChanged();
     void undoStateChanged();
+    // After an operation's signals (and those of any operation a handler ran in turn) have all
+    // been emitted: the state is whole, and one message can tell the whole change.
+    void changesPublished();
 
 private:
     class Batch;

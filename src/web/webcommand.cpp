@@ -1,13 +1,7 @@
 #include "webcommand.h"
 
-#include "apptheme.h"
-#include "clock.h"
-#include "formatters.h"
-#include "tickphase.h"
 #include "timerengine.h"
 
-#include <QJsonArray>
-#include <QJsonValue>
 
 #include <cmath>
 
@@ -28,15 +22,6 @@ constexpr Name names[] = {
 
 // Largest adjustment accepted in one command, seconds: a day either way.
 constexpr double maxAdjustSeconds = 86400;
-
-QString cssHex(const ThemeColor &color)
-{
-    return QStringLiteral("#%1%2%3")
-        .arg(color.red, 2, 16, QLatin1Char('0'))
-        .arg(color.green, 2, 16, QLatin1Char('0'))
-        .arg(color.blue, 2, 16, QLatin1Char('0'))
-        .toUpper();
-}
 } // namespace
 
 bool WebCommand::isCommandName(const QString &name)
@@ -178,77 +163,4 @@ std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &co
     }
     }
     return std::nullopt;
-}
-
-qint64 msUntilShownSecondChanges(double remaining)
-{
-    if (!std::isfinite(remaining))
-        return 1000;
-    return qint64(std::llround(TickPhase::secondsUntilDisplayedSecondChanges(remaining) * 1000.0));
-}
-
-QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock)
-{
-    const TimerStateSnapshot snapshot = engine.snapshot();
-    // The clock is read now, next to serverTimeMs (microseconds apart), not taken from the
-    // engine's last tick (up to 100 ms before), so that a page can count on from it.
-    const TimerEngine::ClockReading live = engine.readClock();
-    const qint64 nowMs = clock.now().toMSecsSinceEpoch();
-    const double shown = snapshot.freeze ? snapshot.remaining : live.remaining;
-    QJsonObject doc = snapshot.toJson();
-    doc.insert(QLatin1StringView("remaining"), shown);
-    doc.insert(QLatin1StringView("elapsed"), live.elapsed);
-    doc.insert(QLatin1StringView("overtime"), live.remaining < 0);
-    doc.insert(QLatin1StringView("progress"),
-               TimerStateSnapshot::progressOf(live.elapsed, engine.plannedDuration()));
-    doc.insert(QLatin1StringView("liveRemaining"), live.remaining);
-    doc.insert(QLatin1StringView("plannedDuration"), engine.plannedDuration());
-
-    QJsonArray cues;
-    const std::optional<int> active = engine.activeCueIndex();
-    const QList<Cue> &list = engine.session().cues;
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        const Cue &cue = list[i];
-        const std::optional<ThemeColor> own = AppTheme::cueColor(cue);
-        cues.append(QJsonObject{
-            {QLatin1StringView("name"), cue.name},
-            {QLatin1StringView("speaker"), cue.speaker},
-            {QLatin1StringView("duration"), cue.duration},
-            {QLatin1StringView("warningThreshold"), cue.warningThreshold},
-            {QLatin1StringView("dangerThreshold"), cue.dangerThreshold},
-            {QLatin1StringView("colorHex"),
-             cue.colorHex ? QJsonValue(*cue.colorHex) : QJsonValue(QJsonValue::Null)},
-            {QLatin1StringView("color"), own ? QJsonValue(cssHex(*own)) : QJsonValue(QJsonValue::Null)},
-            {QLatin1StringView("active"), active && *active == i},
-        });
-    }
-    doc.insert(QLatin1StringView("sessionName"), engine.sessionName());
-    doc.insert(QLatin1StringView("cues"), cues);
-    doc.insert(QLatin1StringView("activeCueIndex"),
-               active ? QJsonValue(*active) : QJsonValue(QJsonValue::Null));
-    doc.insert(QLatin1StringView("blinkActive"), engine.blinkActive());
-    const std::optional<QDateTime> doors = engine.doorsTarget();
-    doc.insert(QLatin1StringView("doorsTargetMs"),
-               doors ? QJsonValue(double(doors->toMSecsSinceEpoch())) : QJsonValue(QJsonValue::Null));
-
-    // The cue clock runs down only while a cue runs unpaused; the stage's digits also stand
-    // still while frozen. A standing clock's second stays until the next push.
-    const bool clockRuns = snapshot.running && !snapshot.paused;
-    auto nextChange = [nowMs](bool runs, double remaining) {
-        return runs ? QJsonValue(double(nowMs + msUntilShownSecondChanges(remaining)))
-                    : QJsonValue(QJsonValue::Null);
-    };
-    doc.insert(QLatin1StringView("nextSecondAtMs"), nextChange(clockRuns && !snapshot.freeze, shown));
-    doc.insert(QLatin1StringView("liveNextSecondAtMs"), nextChange(clockRuns, live.remaining));
-    doc.insert(QLatin1StringView("serverTimeMs"), double(nowMs));
-
-    // The displays' calendar, so that a browser elsewhere shows the venue's time of day.
-    const QTimeZone zone = Fmt::timeZone();
-    const QByteArray zoneId = zone.id();
-    doc.insert(QLatin1StringView("timeZone"),
-               zoneId.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(QString::fromUtf8(zoneId)));
-    doc.insert(QLatin1StringView("utcOffsetSeconds"),
-               zone.offsetFromUtc(QDateTime::fromMSecsSinceEpoch(nowMs, Qt::UTC)));
-    doc.insert(QLatin1StringView("locale"), Fmt::locale().bcp47Name());
-    return doc;
 }

@@ -7,7 +7,6 @@
 
 #include <optional>
 
-class Clock;
 class TimerEngine;
 
 // One remote command, decoded from an HTTP body or a WebSocket message.
@@ -36,12 +35,3 @@ struct WebCommand {
 // lasts 3 seconds, the doors time is read in the engine clock's time zone. A command the show
 // cannot take (a row past the list) changes nothing and gives its French reason.
 std::optional<QString> applyWebCommand(TimerEngine &engine, const WebCommand &command);
-
-// The state document of GET /api/state and of every WebSocket push: the snapshot's fields with
-// the clock read now, the cue list, and what a page needs to count and show the time of day by
-// itself: the instants the shown seconds change and the displays' time zone (see the README).
-QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock);
-
-// Milliseconds from now until the shown whole second of `remaining` changes, for a clock that
-// runs down at one second per second. The display truncates toward zero ("-00:00" for -0.4).
-qint64 msUntilShownSecondChanges(double remaining);

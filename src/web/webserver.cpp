@@ -3,9 +3,9 @@
 #include "clock.h"
 #include "preferences.h"
 #include "requestgate.h"
-#include "tickphase.h"
 #include "timerengine.h"
 #include "webcommand.h"
+#include "webdocuments.h"
 #include "weberror.h"
 #include "webpages.h"
 
@@ -59,15 +59,16 @@ QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &
 } // namespace
 
 WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
-    : QObject(parent), m_engine(engine), m_clock(clock)
+    : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock)
 {
-    // Every signal of displayed state; pushState() leaves out the ticks that change no shown second.
-    for (auto signal : {&TimerEngine::sessionChanged, &TimerEngine::activeCueChanged,
-                        &TimerEngine::runStateChanged, &TimerEngine::clockChanged,
-                        &TimerEngine::messageChanged, &TimerEngine::blackoutChanged,
-                        &TimerEngine::freezeChanged, &TimerEngine::clockModeChanged,
-                        &TimerEngine::blinkActiveChanged, &TimerEngine::doorsChanged})
-        connect(&engine, signal, this, &WebServer::schedulePush);
+    connect(&engine, &TimerEngine::sessionChanged, this, [this] { m_feed.showChanged(); });
+    for (auto signal : {&TimerEngine::activeCueChanged, &TimerEngine::runStateChanged,
+                        &TimerEngine::clockChanged, &TimerEngine::messageChanged,
+                        &TimerEngine::blackoutChanged, &TimerEngine::freezeChanged,
+                        &TimerEngine::clockModeChanged, &TimerEngine::blinkActiveChanged,
+                        &TimerEngine::doorsChanged})
+        connect(&engine, signal, this, [this] { m_feed.stateChanged(); });
+    connect(&engine, &TimerEngine::changesPublished, this, &WebServer::onChangesPublished);
 }
 
 WebServer::~WebServer()
@@ -113,7 +114,7 @@ void WebServer::stopServing()
         viewer->deleteLater();
     }
     m_viewers.clear();
-    m_lastPushedKey.clear();
+    m_feed.forget();
     delete m_http; // owns the gate once bound
     m_http = nullptr;
 }
@@ -243,6 +244,7 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
         return jsonError(Status::BadRequest, error);
     if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
         return jsonError(Status::BadRequest, *refused);
+    pushChanges(); // the viewers learn it before the answer leaves
     return QHttpServerResponse(webStateDocument(m_engine, m_clock));
 }
 
@@ -260,7 +262,6 @@ void WebServer::acceptViewers()
         // A bigger message closes the connection (close code 1009) before it is buffered whole.
         viewer->setMaxAllowedIncomingMessageSize(quint64(RequestGate::maxRequestBytes));
         viewer->setMaxAllowedIncomingFrameSize(quint64(RequestGate::maxRequestBytes));
-        m_viewers.append(viewer);
         connect(viewer, &QWebSocket::textMessageReceived, this,
                 [this, viewer](const QString &text) { handleViewerMessage(viewer, text); });
         connect(viewer, &QWebSocket::binaryMessageReceived, this, [viewer] {
@@ -270,14 +271,22 @@ void WebServer::acceptViewers()
         connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
             m_viewers.removeOne(viewer);
             viewer->deleteLater();
-            // Nothing is pushed while no one watches, so what was pushed last no longer says
-            // what the next viewer has: it gets the state on connection, and every change after.
+            // Nothing is sent while no one watches: the next viewer starts afresh.
             if (m_viewers.isEmpty())
-                m_lastPushedKey.clear();
+                m_feed.forget();
         });
-        // A new viewer gets the current state at once.
-        sendJson(viewer, webStateDocument(m_engine, m_clock));
+        welcome(viewer);
+        m_viewers.append(viewer);
     }
+}
+
+void WebServer::welcome(QWebSocket *viewer)
+{
+    // The others first learn what changed, so that the newcomer holds the state they hold.
+    if (!m_viewers.isEmpty())
+        pushChanges();
+    for (const QByteArray &message : m_feed.welcome())
+        send(viewer, QString::fromUtf8(message));
 }
 
 void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
@@ -309,6 +318,11 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
                            double(m_clock.now().toMSecsSinceEpoch())}});
         return;
     }
+    if (name.toString() == QLatin1StringView("state")) {
+        // A viewer that missed a message (a gap in the sequence) starts again from the whole.
+        welcome(viewer);
+        return;
+    }
     if (!WebCommand::isCommandName(name.toString())) {
         reply(webErrorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
         return;
@@ -326,51 +340,57 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
     }
     if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
         reply(webErrorObject(*refused));
+    else
+        pushChanges();
 }
 
-void WebServer::schedulePush()
+void WebServer::onChangesPublished()
 {
-    if (m_pushScheduled || m_viewers.isEmpty())
+    if (m_viewers.isEmpty() || !m_feed.hasPendingChanges())
         return;
-    m_pushScheduled = true;
-    QMetaObject::invokeMethod(this, &WebServer::pushState, Qt::QueuedConnection);
-}
-
-void WebServer::pushState()
-{
-    m_pushScheduled = false;
-    if (m_viewers.isEmpty())
-        return;
-    const QJsonObject document = webStateDocument(m_engine, m_clock);
-    // Ticks move the clock ten times a second; a push is due only when what a viewer shows
-    // changes: any field but the running clock's, or a whole second shown by either display.
-    QJsonObject key = document;
-    for (const char *moving : {"remaining", "liveRemaining", "elapsed", "progress", "serverTimeMs",
-                               "nextSecondAtMs", "liveNextSecondAtMs"})
-        key.remove(QLatin1StringView(moving));
-    auto shownSecond = [&document](const char *field) {
-        return double(TickPhase::displayedSecond(document.value(QLatin1StringView(field)).toDouble()));
-    };
-    key.insert(QLatin1StringView("shownSecond"), shownSecond("remaining"));
-    key.insert(QLatin1StringView("liveShownSecond"), shownSecond("liveRemaining"));
-    key.insert(QLatin1StringView("counting"), document.value(QLatin1StringView("nextSecondAtMs")).isDouble());
-    key.insert(QLatin1StringView("liveCounting"),
-               document.value(QLatin1StringView("liveNextSecondAtMs")).isDouble());
-    const QByteArray keyBytes = QJsonDocument(key).toJson(QJsonDocument::Compact);
-    if (keyBytes == m_lastPushedKey)
-        return;
-    m_lastPushedKey = keyBytes;
-    const QString text = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
-    QList<QWebSocket *> stalled;
-    for (QWebSocket *viewer : std::as_const(m_viewers)) {
-        // A viewer that stopped reading (a phone asleep on a dead link) would make the server
-        // hold every push for it; past a bound it is dropped and its page reconnects.
-        if (viewer->bytesToWrite() > maxUnreadBytes)
-            stalled.append(viewer);
-        else
-            viewer->sendTextMessage(text);
+    if (!m_pushedThisTurn && pushChanges())
+        m_pushedThisTurn = true;
+    if (m_pushedThisTurn && !m_endOfTurnScheduled) {
+        m_endOfTurnScheduled = true;
+        QMetaObject::invokeMethod(this, &WebServer::endTurn, Qt::QueuedConnection);
     }
-    for (QWebSocket *viewer : std::as_const(stalled))
-        viewer->abort(); // its disconnected() forgets it
+}
+
+void WebServer::endTurn()
+{
+    m_endOfTurnScheduled = false;
+    m_pushedThisTurn = false;
+    pushChanges();
+}
+
+bool WebServer::pushChanges()
+{
+    if (m_viewers.isEmpty() || !m_feed.hasPendingChanges())
+        return false;
+    QStringList messages;
+    for (const QByteArray &message : m_feed.takeChanges())
+        messages.append(QString::fromUtf8(message));
+    if (messages.isEmpty())
+        return false;
+    const QList<QWebSocket *> viewers = m_viewers; // a dropped viewer leaves the list
+    for (QWebSocket *viewer : viewers) {
+        for (const QString &message : std::as_const(messages))
+            send(viewer, message);
+        // Into the system's buffers now, not when the event loop next turns: ahead of the
+        // frame the windows draw of this change, and of an HTTP command's answer.
+        viewer->flush();
+    }
     emit statePushed();
+    return true;
+}
+
+void WebServer::send(QWebSocket *viewer, const QString &message)
+{
+    // A viewer that stopped reading (a phone asleep on a dead link) would make the server hold
+    // every message for it; past a bound it is dropped and its page reconnects.
+    if (viewer->bytesToWrite() > maxUnreadBytes) {
+        viewer->abort(); // its disconnected() forgets it
+        return;
+    }
+    viewer->sendTextMessage(message);
 }

@@ -9,6 +9,7 @@
 #include <QVariant>
 
 #include "codeguard.h"
+#include "viewerfeed.h"
 
 #include <optional>
 
@@ -45,7 +46,7 @@ public:
 
 signals:
     void webStatusChanged();
-    // After each push of the state to the WebSocket viewers (tests and benchmarks wait on it).
+    // After the WebSocket viewers were sent what changed (tests and benchmarks wait on it).
     void statePushed();
 
 private:
@@ -63,8 +64,15 @@ private:
     std::optional<Refusal> refusal(const QString &client, const QByteArray &code);
     void acceptViewers();
     void handleViewerMessage(QWebSocket *viewer, const QString &text);
-    void schedulePush();
-    void pushState();
+    void welcome(QWebSocket *viewer);
+    // An operation of the engine has ended: its change leaves at once, before any window draws
+    // it, unless a message already left in this turn of the event loop; the changes after that
+    // one leave together when the turn ends.
+    void onChangesPublished();
+    void endTurn();
+    // Sends every viewer what changed, if anything did; whether a message left.
+    bool pushChanges();
+    void send(QWebSocket *viewer, const QString &message);
 
     TimerEngine &m_engine;
     Clock &m_clock;
@@ -75,6 +83,7 @@ private:
     CodeGuard m_guard;
     std::optional<QString> m_status;
     QList<QWebSocket *> m_viewers;
-    bool m_pushScheduled = false;
-    QByteArray m_lastPushedKey; // what the viewers show, without the running clock's fractions
+    ViewerFeed m_feed;
+    bool m_pushedThisTurn = false;
+    bool m_endOfTurnScheduled = false;
 };

@@ -1,9 +1,10 @@
 // What every page shares: the connection to the program, the estimate of the program's clock,
 // the countdown's rules and text, and the drawing helpers.
 //
-// A page counts by itself: from a state document it knows the instants, on the program's clock,
-// at which the shown seconds change, and it redraws at those instants on its estimate of that
-// clock. Messages only bring changes; their arrival times are never used to count.
+// A page counts by itself: from the state it knows the instants, on the program's clock, at
+// which the shown seconds change, and it redraws at those instants on its estimate of that
+// clock. Messages only bring changes (a running clock sends none); their arrival times are
+// never used to count.
 
 // ---- Countdown text and colour, as on the desktop displays -----------------------------------
 
@@ -192,12 +193,15 @@ const silenceMs = 2000;       // no answer for this long: the program is taken a
 const firstRetryMs = 500;
 const longestRetryMs = 5000;
 
-// The WebSocket to the program: state documents in, a ping every second out. A closed socket,
-// or one where nothing is heard for two seconds, is dropped and opened again after 0.5 s,
-// then 1, 2, 4 and 5 s at most until the program answers.
+// The version of the messages this page reads; the first message of the program says its own.
+const protocolVersion = 2;
+
+// The WebSocket to the program: the show and the state in, then only what changes of them, and
+// a ping every second out. A closed socket, or one where nothing is heard for two seconds, is
+// dropped and opened again after 0.5 s, then 1, 2, 4 and 5 s at most until the program answers.
 class Connection {
-    constructor(clock, { onState, onLink, onClockMoved }) {
-        Object.assign(this, { clock, onState, onLink, onClockMoved });
+    constructor(clock, { onState, onLink, onClockMoved, onOutdated }) {
+        Object.assign(this, { clock, onState, onLink, onClockMoved, onOutdated });
         this.live = false;
         this.retryMs = firstRetryMs;
     }
@@ -207,6 +211,10 @@ class Connection {
         const socket = new WebSocket(`${scheme}://${location.host}/api/ws`);
         this.socket = socket;
         this.clock.reset();
+        this.show = null;
+        this.state = null;
+        this.seq = null;
+        this.awaitingWhole = false;
         this.listenFor(silenceMs);
         socket.onopen = () => {
             this.ping();
@@ -218,8 +226,12 @@ class Connection {
     }
 
     ping() {
+        this.send({ command: "ping", t: Date.now() });
+    }
+
+    send(message) {
         if (this.socket?.readyState === WebSocket.OPEN)
-            this.socket.send(JSON.stringify({ command: "ping", t: Date.now() }));
+            this.socket.send(JSON.stringify(message));
     }
 
     listenFor(ms) {
@@ -243,13 +255,58 @@ class Connection {
         }
         if ("error" in message)
             return;
-        this.clock.noteArrival(message.serverTimeMs, receivedAt);
+        if (this.seq === null && (message.type !== "show" || message.protocol !== protocolVersion)) {
+            this.stop();
+            this.onOutdated();
+            return;
+        }
+        if (this.apply(message))
+            this.publish(receivedAt, message.serverTimeMs);
+    }
+
+    // Takes a message of the program in; returns whether the page has a new state to draw.
+    // A show or a patch takes the next sequence number: after a gap, the page asks for the
+    // whole show and state again and waits for them.
+    apply(message) {
+        const { type, seq } = message;
+        const whole = type === "state" || this.seq === null || this.awaitingWhole;
+        if (!whole && seq !== this.seq + 1) {
+            this.awaitingWhole = true;
+            this.send({ command: "state" });
+            return false;
+        }
+        if (type === "show") {
+            this.show = message;
+            this.seq = seq;
+            return this.state !== null && !this.awaitingWhole;
+        }
+        if (type === "state") {
+            this.state = message;
+            this.awaitingWhole = false;
+        } else if (type === "patch" && !this.awaitingWhole) {
+            Object.assign(this.state, message);
+        } else {
+            return false;
+        }
+        this.seq = seq;
+        return true;
+    }
+
+    publish(receivedAt, serverTimeMs) {
+        if (serverTimeMs !== undefined)
+            this.clock.noteArrival(serverTimeMs, receivedAt);
         this.retryMs = firstRetryMs;
         if (!this.live) {
             this.live = true;
             this.onLink(true);
         }
-        this.onState(message);
+        this.onState({ ...this.show, ...this.state });
+    }
+
+    // Closes the socket for good: the program speaks another version of the messages.
+    stop() {
+        this.drop();
+        clearTimeout(this.retry);
     }
 
     drop() {
@@ -265,7 +322,7 @@ class Connection {
             this.live = false;
             this.onLink(false);
         }
-        setTimeout(() => this.open(), this.retryMs);
+        this.retry = setTimeout(() => this.open(), this.retryMs);
         this.retryMs = Math.min(this.retryMs * 2, longestRetryMs);
     }
 }
@@ -409,7 +466,8 @@ export class Phase {
 const fontsUsed = ['400 16px "Inter"', '500 16px "Inter"', '600 16px "Inter"', '700 16px "Inter"',
                    '800 16px "Inter"', '900 16px "Inter"', '700 16px "DejaVu Sans"'];
 
-// The panel that covers a page while it has no live connection to the program; returns its title.
+// The panel that covers a page while it has no live connection to the program; returns its
+// title and its help.
 function addLinkPanel() {
     const panel = document.createElement("div");
     panel.className = "link";
@@ -417,7 +475,7 @@ function addLinkPanel() {
     panel.innerHTML = '<div class="link-panel"><div id="link-title" class="link-title">Connexion…</div>'
         + '<div class="link-help">Reconnexion automatique dès que Kairon répond</div></div>';
     document.body.append(panel);
-    return panel.querySelector("#link-title");
+    return [panel.querySelector("#link-title"), panel.querySelector(".link-help")];
 }
 
 // Runs a page: `render(state, now)` draws the state for the instant `now` on the program's
@@ -428,7 +486,7 @@ export function startPage(render) {
     const clock = new ServerClock();
     let state = null;
     let timer = null;
-    const linkTitle = addLinkPanel();
+    const [linkTitle, linkHelp] = addLinkPanel();
 
     function draw() {
         clearTimeout(timer);
@@ -452,6 +510,11 @@ export function startPage(render) {
                 setText(linkTitle, "Connexion perdue");
         },
         onClockMoved: draw,
+        onOutdated() {
+            document.body.classList.add("offline");
+            setText(linkTitle, "Page d'une autre version de Kairon");
+            setText(linkHelp, "Rechargez la page");
+        },
     });
     document.body.classList.add("offline");
     connection.open();

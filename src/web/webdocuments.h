@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QJsonObject>
+
+class Clock;
+class TimerEngine;
+
+// The documents remote control serves. The state document of GET /api/state is the live
+// document and the show document together, each cue also saying whether it is the active one.
+// A WebSocket viewer gets the two parts apart, since the show changes only when it is edited,
+// loaded or closed (see the README).
+
+// The show: `sessionName` and `cues` (each cue's texts, durations, thresholds and colours).
+QJsonObject webShowDocument(const TimerEngine &engine);
+
+// Everything else: the snapshot's fields with the clock read now, the active cue's row, the
+// blink and the doors, and what a page needs to count and show the time of day by itself: the
+// instants the shown seconds change and the displays' time zone.
+QJsonObject webLiveDocument(const TimerEngine &engine, const Clock &clock);
+
+QJsonObject webStateDocument(const TimerEngine &engine, const Clock &clock);
+
+// Milliseconds from now until the shown whole second of `remaining` changes, for a clock that
+// runs down at one second per second. The display truncates toward zero ("-00:00" for -0.4).
+qint64 msUntilShownSecondChanges(double remaining);
