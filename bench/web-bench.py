@@ -2,7 +2,7 @@
 
 1. A command over HTTP to the first viewer that sees it: a keep-alive HTTP connection posts a
    command, a WebSocket viewer on a plain socket waits for the patch it makes (median, p99, max),
-   for start, pause and message.
+   for start, pause and message, spaced as an operator sends them, then back to back.
 2. The bytes a viewer gets while one cue of a 200-cue show runs, pings and their answers aside.
 3. 100 WebSocket viewers, each pinging once a second as the pages do: the program's CPU (from
    /proc, user + system) without viewers and with them.
@@ -10,6 +10,7 @@ Usage: web-bench.py PORT CODE PID [SECONDS]   (python3-websockets from Debian)
 """
 import asyncio
 import os
+import random
 import statistics
 import sys
 import time
@@ -35,7 +36,9 @@ def percentile(values, p):
     return ordered[min(len(ordered) - 1, int(round(p / 100 * (len(ordered) - 1))))]
 
 
-def command_to_viewer(rounds=500):
+def command_to_viewer(rounds, spaced):
+    """Each command `rounds` times, back to back, or `spaced` by 20 to 50 ms as an operator's
+    keys or a show-control cue list send them (the frame the last one made is then drawn)."""
     http = HttpClient(port, code)
     viewer = RawViewer(port)
     viewer.message(), viewer.message()  # the show and the state
@@ -47,6 +50,8 @@ def command_to_viewer(rounds=500):
     for name, make in commands.items():
         latencies = []
         for i in range(rounds):
+            if spaced:
+                time.sleep(random.uniform(0.020, 0.050))
             command, body = make(i)
             start = time.perf_counter_ns()
             http.send(command, body)
@@ -55,7 +60,7 @@ def command_to_viewer(rounds=500):
             http.answer()
             if patch.get("type") != "patch":
                 raise SystemExit(f"{name}: {patch}")
-        print(f"HTTP {name} to the first viewer, {rounds} rounds: median "
+        print(f"HTTP {name} to the first viewer, {rounds} rounds {'spaced' if spaced else 'back to back'}: median "
               f"{statistics.median(latencies):.3f} ms, p99 {percentile(latencies, 99):.3f} ms, "
               f"max {max(latencies):.3f} ms")
     http.post("message", {"text": None})
@@ -91,6 +96,7 @@ async def hundred_viewers(duration):
           f"(+{viewers_cpu - idle_cpu:.2f} %); {other} messages besides the pongs")
 
 
-command_to_viewer()
+command_to_viewer(300, spaced=True)
+command_to_viewer(500, spaced=False)
 asyncio.run(bytes_while_a_cue_runs(seconds))
 asyncio.run(hundred_viewers(seconds))

@@ -174,10 +174,11 @@ void TimerEngine::flushChanges()
         notify(&TimerEngine::clockChanged);
     }
     // A handler may run another operation, which notifies on its own before this loop goes on.
-    const bool published = m_pendingSignals || m_pendingHook;
     while (m_pendingSignals || m_pendingHook) {
         const quint32 signalsToEmit = std::exchange(m_pendingSignals, 0);
         const bool callHook = std::exchange(m_pendingHook, false);
+        static_assert(signalOrder[0] == &TimerEngine::sessionChanged);
+        emit aboutToNotify(signalsToEmit & 1u);
         int bit = 0;
         for (const Signal signal : signalOrder) {
             if (signalsToEmit & (1u << bit++))
@@ -186,8 +187,6 @@ void TimerEngine::flushChanges()
         if (callHook && m_onStateChange)
             m_onStateChange(snapshot());
     }
-    if (published)
-        emit changesPublished();
     // Time the observers spent may have changed the shown second: a tick comes at once then.
     armTicker();
 }

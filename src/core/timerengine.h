@@ -227,9 +227,10 @@ signals:
     void completedCueLogChanged();
     void templatesChanged();
     void undoStateChanged();
-    // After an operation's signals (and those of any operation a handler ran in turn) have all
-    // been emitted: the state is whole, and one message can tell the whole change.
-    void changesPublished();
+    // An operation has ended and its signals are about to be emitted: the state is whole, so
+    // remote viewers can be told the whole change at once, before the views react to it.
+    // `sessionChanged` when the show itself (its name or its cues) is among the changes.
+    void aboutToNotify(bool sessionChanged);
 
 private:
     class Batch;

@@ -40,6 +40,9 @@ void RequestGate::incomingConnection(qintptr socketDescriptor)
         delete socket;
         return;
     }
+    // Answers and pushes are small and wanted now: none waits for the peer to acknowledge the
+    // one before it (a WebSocket frame's header and its payload are two writes).
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     auto *deadline = new QTimer(socket);
     deadline->setSingleShot(true);

@@ -1,5 +1,6 @@
 #include "viewerfeed.h"
 
+#include "timerengine.h"
 #include "webdocuments.h"
 
 #include <QJsonDocument>
@@ -68,13 +69,10 @@ QList<QByteArray> ViewerFeed::takeChanges()
     if (m_state.isEmpty())
         return {};
     QList<QByteArray> messages;
-    if (showPending) {
-        QJsonObject show = webShowDocument(m_engine);
-        if (show != m_show) {
-            m_show = std::move(show);
-            ++m_sequence;
-            messages.append(message("show", m_show));
-        }
+    if (showPending && showEdited()) {
+        keepShow();
+        ++m_sequence;
+        messages.append(message("show", m_show));
     }
     if (statePending) {
         QJsonObject state = webLiveDocument(m_engine, m_clock);
@@ -105,7 +103,7 @@ QList<QByteArray> ViewerFeed::welcome()
 {
     const QJsonObject now = webLiveDocument(m_engine, m_clock);
     if (m_state.isEmpty()) { // the first viewer: what it gets is what every viewer holds
-        m_show = webShowDocument(m_engine);
+        keepShow();
         m_state = now;
         m_showPending = m_statePending = false;
         return {message("show", m_show), message("state", m_state)};
@@ -121,8 +119,31 @@ QList<QByteArray> ViewerFeed::welcome()
     return {message("show", m_show), message("state", held)};
 }
 
+bool ViewerFeed::showEdited() const
+{
+    const QList<Cue> &cues = m_engine.session().cues;
+    if (m_engine.sessionName() != m_showName || cues.size() != m_showCues.size())
+        return true;
+    for (qsizetype i = 0; i < cues.size(); ++i) {
+        const Cue &a = cues[i], &b = m_showCues[i];
+        if (a.name != b.name || a.speaker != b.speaker || a.duration != b.duration
+            || a.warningThreshold != b.warningThreshold || a.dangerThreshold != b.dangerThreshold
+            || a.colorHex != b.colorHex)
+            return true;
+    }
+    return false;
+}
+
+void ViewerFeed::keepShow()
+{
+    m_show = webShowDocument(m_engine);
+    m_showName = m_engine.sessionName();
+    m_showCues = m_engine.session().cues;
+}
+
 void ViewerFeed::forget()
 {
     m_show = {};
+    m_showCues = {};
     m_state = {};
 }

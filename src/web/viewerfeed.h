@@ -3,6 +3,9 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
+#include <QString>
+
+#include "cue.h"
 
 class Clock;
 class TimerEngine;
@@ -48,10 +51,16 @@ public:
 
 private:
     QByteArray message(const char *type, QJsonObject body) const;
+    // Whether the show's name or a field of a cue that the show message carries changed since
+    // it was sent. Cheaper than making the message: a cue's log fields change at each start.
+    bool showEdited() const;
+    void keepShow();
 
     const TimerEngine &m_engine;
     const Clock &m_clock;
     QJsonObject m_show;  // the show as the viewers hold it; empty before the first welcome
+    QString m_showName;  // what it was made from
+    QList<Cue> m_showCues;
     QJsonObject m_state; // the state as the viewers hold it, its clock as last read for them
     quint64 m_sequence = 0;
     bool m_showPending = false;

@@ -11,6 +11,7 @@ class TimerEngine;
 // loaded or closed (see the README).
 
 // The show: `sessionName` and `cues` (each cue's texts, durations, thresholds and colours).
+// ViewerFeed::showEdited() compares the same fields of the cues.
 QJsonObject webShowDocument(const TimerEngine &engine);
 
 // Everything else: the snapshot's fields with the clock read now, the active cue's row, the

@@ -25,9 +25,12 @@ QHttpServerResponse jsonError(QHttpServerResponse::StatusCode status, const QStr
     return QHttpServerResponse(webErrorObject(message), status);
 }
 
+// An answer to one viewer, written to the system at once: a socket otherwise waits for the event
+// loop's next turn, one more wake-up that polls every viewer's socket.
 void sendJson(QWebSocket *viewer, const QJsonObject &object)
 {
     viewer->sendTextMessage(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
+    viewer->flush();
 }
 
 // What a viewer may leave unread before it is dropped: hundreds of pushes.
@@ -61,14 +64,7 @@ QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &
 WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
     : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock)
 {
-    connect(&engine, &TimerEngine::sessionChanged, this, [this] { m_feed.showChanged(); });
-    for (auto signal : {&TimerEngine::activeCueChanged, &TimerEngine::runStateChanged,
-                        &TimerEngine::clockChanged, &TimerEngine::messageChanged,
-                        &TimerEngine::blackoutChanged, &TimerEngine::freezeChanged,
-                        &TimerEngine::clockModeChanged, &TimerEngine::blinkActiveChanged,
-                        &TimerEngine::doorsChanged})
-        connect(&engine, signal, this, [this] { m_feed.stateChanged(); });
-    connect(&engine, &TimerEngine::changesPublished, this, &WebServer::onChangesPublished);
+    connect(&engine, &TimerEngine::aboutToNotify, this, &WebServer::onEngineChanged);
 }
 
 WebServer::~WebServer()
@@ -344,9 +340,13 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         pushChanges();
 }
 
-void WebServer::onChangesPublished()
+void WebServer::onEngineChanged(bool sessionChanged)
 {
-    if (m_viewers.isEmpty() || !m_feed.hasPendingChanges())
+    if (sessionChanged)
+        m_feed.showChanged();
+    else
+        m_feed.stateChanged();
+    if (m_viewers.isEmpty())
         return;
     if (!m_pushedThisTurn && pushChanges())
         m_pushedThisTurn = true;

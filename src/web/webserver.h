@@ -65,10 +65,10 @@ private:
     void acceptViewers();
     void handleViewerMessage(QWebSocket *viewer, const QString &text);
     void welcome(QWebSocket *viewer);
-    // An operation of the engine has ended: its change leaves at once, before any window draws
-    // it, unless a message already left in this turn of the event loop; the changes after that
-    // one leave together when the turn ends.
-    void onChangesPublished();
+    // An operation of the engine has ended: its change leaves at once, before the views react
+    // to it and before any window draws it, unless a message already left in this turn of the
+    // event loop; the changes after that one leave together when the turn ends.
+    void onEngineChanged(bool sessionChanged);
     void endTurn();
     // Sends every viewer what changed, if anything did; whether a message left.
     bool pushChanges();

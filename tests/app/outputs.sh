@@ -119,13 +119,15 @@ send_to_monitor_2() {
 
 launch() {
     start_kairon "$kairon" "$dir/gala.orvprjct"
-    # After the splash, the console: the play button's orange in its main panel.
+    # After the splash, the console: the play button's orange in its main panel, and its top bar.
     poll 20 console_shown || fail "the console did not show"
 }
 console_shown() {
     geometry "$(console_id)" || return 1
     snap
-    (($(pixels count "$dir/now.ppm" $((gx + $(cue_list_width))) $((gy + menu_bar + top_bar)) $((gw - $(cue_list_width))) $((gh / 2)) $accent 6) > 3500))
+    (($(pixels count "$dir/now.ppm" $((gx + $(cue_list_width))) $((gy + menu_bar + top_bar)) $((gw - $(cue_list_width))) $((gh / 2)) $accent 6) > 3500)) &&
+        # the splash has as much orange: the top bar's six buttons tell the console
+        (($(top_bar_buttons | wc -l) >= 6))
 }
 quit() { kill -TERM "$kairon_pid"; wait "$kairon_pid" 2>/dev/null || true; }
 
