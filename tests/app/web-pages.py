@@ -126,6 +126,32 @@ SKEWED_CLOCK = """
   Date.now = () => window.__realNow() + 3700;
 """
 
+# A page whose WebSocket loses one patch on demand (window.__dropNext), or reads every show
+# message as of another protocol (window.__protocolShift, before the page loads); it keeps what
+# the page sends.
+LOSSY_SOCKET = """
+  window.__sent = [];
+  const Native = WebSocket;
+  window.WebSocket = class extends Native {
+    set onmessage(handler) {
+      super.onmessage = handler && ((event) => {
+        const message = JSON.parse(event.data);
+        if (message.type === 'patch' && window.__dropNext) {
+          window.__dropNext = false;
+          return;
+        }
+        if (message.type === 'show' && window.__protocolShift)
+          return handler({data: JSON.stringify({...message, protocol: message.protocol + window.__protocolShift})});
+        handler(event);
+      });
+    }
+    send(data) {
+      window.__sent.push(data);
+      super.send(data);
+    }
+  };
+"""
+
 RECORDER = """(() => {
   const now = window.__realNow ?? Date.now.bind(Date);
   const record = (id, list) => {
@@ -274,8 +300,11 @@ async def scenario(app, browser):
     index = await browser.new_page(WIDTH, HEIGHT)
     skewed = await browser.new_page(WIDTH, HEIGHT)
     await skewed.call("Page.addScriptToEvaluateOnNewDocument", {"source": SKEWED_CLOCK})
+    lossy = await browser.new_page(WIDTH, HEIGHT)
+    await lossy.call("Page.addScriptToEvaluateOnNewDocument", {"source": LOSSY_SOCKET})
     pages = {"stage": stage, "confidence": confidence}
-    for page, path in [(stage, "/stage"), (confidence, "/confidence"), (index, "/"), (skewed, "/stage")]:
+    for page, path in [(stage, "/stage"), (confidence, "/confidence"), (index, "/"), (skewed, "/stage"),
+                       (lossy, "/confidence")]:
         await page.navigate(base + path)
         await page.wait_for(live_expression(True) + " && document.fonts.status === 'loaded'", 10,
                             f"{path} live with its fonts")
@@ -423,6 +452,21 @@ async def scenario(app, browser):
     post("message", {"text": None})
     await until(stage, "document.getElementById('blackout').hidden && document.getElementById('banner').hidden", "blackout off, message gone")
 
+    # ---- A lost message: the page sees the gap, asks for the whole state, and shows it ----
+    await lossy.evaluate("window.__dropNext = true")
+    post("message", {"text": "Perdu", "urgent": False})
+    await until(lossy, "window.__dropNext === false", "the lossy page lost the message's patch")
+    await asyncio.sleep(0.3)
+    check(not await visible(lossy, "message"), "a lost patch is not shown")
+    check('{"command":"state"}' not in await lossy.evaluate("window.__sent"), "no gap seen yet")
+    post("message", {"text": "Retrouvé", "urgent": False})
+    await until(lossy, "document.getElementById('message').textContent === 'Retrouvé' && !document.getElementById('message').hidden",
+                "the page after the gap shows the whole state")
+    check(await lossy.evaluate("window.__sent.filter(m => m === '{\"command\":\"state\"}').length") == 1,
+          "the page asked for the whole state once")
+    post("message", {"text": None})
+    await until(lossy, "document.getElementById('message').hidden", "and follows the patches after it")
+
     # ---- Clock mode: the venue's time and date ----
     post("clockmode")
     await until(stage, "!document.getElementById('clock').hidden", "clock mode")
@@ -447,6 +491,21 @@ async def scenario(app, browser):
     await expect_colour(stage, "doors-time", ACCENT, "doors digits orange", tolerance=8)
     post("doors", {"at": None})
     await until(stage, "document.getElementById('doors').hidden", "doors cancelled")
+
+    # ---- A program of another protocol: the page says so and stops ----
+    outdated = await browser.new_page(WIDTH, HEIGHT)
+    await outdated.call("Page.addScriptToEvaluateOnNewDocument",
+                        {"source": LOSSY_SOCKET + "window.__protocolShift = 1;"})
+    await outdated.navigate(base + "/stage")
+    await until(outdated, "document.getElementById('link-title').textContent === \"Page d'une autre version de Kairon\"",
+                "a page of another protocol says so")
+    check(await outdated.evaluate("document.querySelector('.link-help').textContent") == "Rechargez la page",
+          "and asks for a reload")
+    await asyncio.sleep(1.5)
+    check(await outdated.evaluate("document.body.classList.contains('offline')"), "the panel stays")
+    check(await outdated.evaluate("window.__sent.filter(m => m.includes('ping')).length") <= 1,
+          "the page stopped talking to the program")
+    await shoot({"outdated": outdated}, "outdated")
 
     # ---- The connection: no answer, then the program gone, then back ----
     post("play")
