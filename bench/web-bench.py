@@ -4,8 +4,8 @@
    command, a WebSocket viewer on a plain socket waits for the patch it makes (median, p99, max),
    for start, pause and message, spaced as an operator sends them, then back to back.
 2. The bytes a viewer gets while one cue of a 200-cue show runs, pings and their answers aside.
-3. 100 WebSocket viewers, each pinging once a second as the pages do: the program's CPU (from
-   /proc, user + system) without viewers and with them.
+3. 100 WebSocket viewers, silent, then each pinging once a second as the pages do: the
+   program's CPU (from /proc, user + system) without viewers and with them.
 Usage: web-bench.py PORT CODE PID [SECONDS]   (python3-websockets from Debian)
 """
 import asyncio
@@ -87,12 +87,16 @@ async def hundred_viewers(duration):
     viewers = await asyncio.gather(*(Viewer.connect(url) for _ in range(VIEWERS)))
     await asyncio.sleep(1)
     before, start = cpu_seconds(), time.monotonic()
+    await asyncio.sleep(duration)
+    silent_cpu = (cpu_seconds() - before) / (time.monotonic() - start) * 100
+    before, start = cpu_seconds(), time.monotonic()
     reads = await asyncio.gather(*(v.quiet(duration) for v in viewers))
     viewers_cpu = (cpu_seconds() - before) / (time.monotonic() - start) * 100
     await asyncio.gather(*(v.close() for v in viewers))
     other = sum(1 for read in reads for m in read if "pong" not in m)
     print(f"CPU of the program while a cue runs: {idle_cpu:.2f} % of one core without viewers, "
-          f"{viewers_cpu:.2f} % with {VIEWERS} viewers pinging once a second "
+          f"{silent_cpu:.2f} % with {VIEWERS} silent viewers (+{silent_cpu - idle_cpu:.2f} %), "
+          f"{viewers_cpu:.2f} % with {VIEWERS} viewers pinging once a second as the pages do "
           f"(+{viewers_cpu - idle_cpu:.2f} %); {other} messages besides the pongs")
 
 
