@@ -283,6 +283,7 @@ void WebServer::welcome(QWebSocket *viewer)
         pushChanges();
     for (const QByteArray &message : m_feed.welcome())
         send(viewer, QString::fromUtf8(message));
+    viewer->flush();
 }
 
 void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
