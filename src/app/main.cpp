@@ -9,6 +9,7 @@
 #include "launchproject.h"
 #include "networkcoordinator.h"
 #include "outputwindows.h"
+#include "processexit.h"
 #include "qttranslations.h"
 #include "quitsignals.h"
 #include "renderingbackend.h"
@@ -83,13 +84,9 @@ void reopenOutputs(ShowRecovery &recovery, OutputWindows &outputs)
     }
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+// The application from its start to its end, QGuiApplication included.
+int runApplication(int argc, char *argv[])
 {
-    if (const std::optional<int> probed = RenderingBackend::runProbeIfAsked(argc, argv))
-        return *probed;
-    RenderingBackend::prepareEnvironment();
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
     QGuiApplication::setOrganizationName(QStringLiteral("Kairon"));
@@ -166,4 +163,14 @@ int main(int argc, char *argv[])
     QObject::connect(operatorWindow, &QQuickWindow::frameSwapped, operatorWindow,
                      [] { StartupTrace::mark("first-frame"); }, Qt::SingleShotConnection);
     return app.exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (const std::optional<int> probed = RenderingBackend::runProbeIfAsked(argc, argv))
+        return *probed;
+    RenderingBackend::prepareEnvironment();
+    exitProcess(runApplication(argc, argv));
 }
