@@ -203,6 +203,11 @@ public:
     void updateCue(const Cue &cue);
     Q_INVOKABLE void moveCue(int from, int offset); // exchanges the cues at from and from + offset
     Q_INVOKABLE void deleteCue(int at);
+    // The whole running order at once (an import, a linked spreadsheet's update): one undo
+    // step, refused while the show is locked. The active cue stays active if its id is still
+    // there, its clock untouched (a changed length applies from its next start); a running cue
+    // that is gone is logged and the clock stops, as when it is deleted.
+    void replaceCues(const QList<Cue> &cues);
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
 

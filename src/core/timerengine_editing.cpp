@@ -3,6 +3,7 @@
 #include "timerengine.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr qsizetype maxUndoSteps = 50;
@@ -113,6 +114,18 @@ void TimerEngine::deleteCue(int at)
     clampSelection();
     if (wasActive)
         leaveRemovedActiveCue(removed);
+    cuesEdited();
+}
+
+void TimerEngine::replaceCues(const QList<Cue> &cues)
+{
+    const Batch batch(*this);
+    if (m_showLocked)
+        return;
+    pushUndo();
+    const QList<Cue> previous = std::exchange(m_session.cues, cues);
+    refreshDerived();
+    clampIndices(previous);
     cuesEdited();
 }
 

@@ -225,6 +225,63 @@ private slots:
         QCOMPARE(names(f.engine), (QStringList{"A", "B", "C", "D"}));
     }
 
+    void replacingTheRunningOrderIsOneUndoStep()
+    {
+        EngineFixture f;
+        f.engine.loadSession(abcd());
+        f.clock.advance(5s);
+        QSignalSpy changed(&f.engine, &TimerEngine::sessionChanged);
+        f.engine.replaceCues({durationCue("X", 30), durationCue("Y", 40)});
+        QCOMPARE(names(f.engine), (QStringList{"X", "Y"}));
+        QCOMPARE(f.engine.session().updatedAt, f.clock.now());
+        QCOMPARE(changed.size(), 1);
+        f.engine.undo();
+        QCOMPARE(names(f.engine), (QStringList{"A", "B", "C", "D"}));
+        QVERIFY(!f.engine.canUndo());
+        f.engine.redo();
+        QCOMPARE(names(f.engine), (QStringList{"X", "Y"}));
+    }
+
+    void replacingKeepsTheRunningCueThatIsStillThereAndItsClock()
+    {
+        EngineFixture f;
+        f.engine.loadSession(abcd());
+        f.engine.start(2);
+        f.clock.advance(10s);
+        QList<Cue> cues = f.engine.session().cues;
+        Cue longer = cues[2];
+        longer.duration = 600; // applies from its next start
+        f.engine.replaceCues({durationCue("Nouveau", 30), longer});
+        QVERIFY(f.engine.isRunning());
+        QCOMPARE(f.engine.activeCueIndex(), 1);
+        QCOMPARE(f.engine.activeCue()->duration, 600.0);
+        f.clock.advance(5s);
+        QCOMPARE(f.engine.remaining(), 45.099); // still the 60 s it started with
+    }
+
+    void replacingWithoutTheRunningCueLogsItAndStops()
+    {
+        EngineFixture f;
+        f.engine.loadSession(abcd());
+        f.engine.start(1);
+        f.clock.advance(70s);
+        f.engine.replaceCues({durationCue("X", 30)});
+        QVERIFY(!f.engine.isRunning());
+        QVERIFY(!f.engine.activeCueID());
+        QCOMPARE(f.engine.completedCueLog().size(), 1);
+        QCOMPARE(f.engine.completedCueLog()[0], (CueLogEntry{QStringLiteral("B"), 60, 70, 10}));
+    }
+
+    void aLockedShowRefusesAReplacement()
+    {
+        EngineFixture f;
+        f.engine.loadSession(abcd());
+        f.engine.setShowLocked(true);
+        f.engine.replaceCues({durationCue("X", 30)});
+        QCOMPARE(names(f.engine), (QStringList{"A", "B", "C", "D"}));
+        QVERIFY(!f.engine.canUndo());
+    }
+
     void updatingMatchesByIdAndNotifies()
     {
         EngineFixture f;
