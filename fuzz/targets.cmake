@@ -10,6 +10,9 @@ set(KAIRON_FUZZERS
     internetdate
     colorhex
     livestate
+    xlsx
+    ods
+    csv
 )
 set(KAIRON_FUZZ_DICT_osc_decode osc.dict)
 set(KAIRON_FUZZ_DICT_osc_roundtrip osc.dict)
@@ -18,3 +21,5 @@ set(KAIRON_FUZZ_DICT_timerstatesnapshot json.dict)
 set(KAIRON_FUZZ_DICT_internetdate date.dict)
 set(KAIRON_FUZZ_DICT_colorhex color.dict)
 set(KAIRON_FUZZ_DICT_livestate json.dict)
+set(KAIRON_FUZZ_DICT_xlsx xlsx.dict)
+set(KAIRON_FUZZ_DICT_ods ods.dict)

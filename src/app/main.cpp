@@ -1,7 +1,9 @@
 // The composition root: creates the long-lived objects, wires them and loads the views.
 #include "appflowstate.h"
 #include "approotproperties.h"
+#include "batchimport.h"
 #include "brandassets.h"
+#include "commandline.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
 #include "filereveal.h"
@@ -25,12 +27,15 @@
 #include "webserver.h"
 
 #include <QDebug>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlEngineExtensionPlugin>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QUrl>
+
+#include <cstdio>
 
 Q_IMPORT_QML_PLUGIN(KaironPlugin)
 
@@ -85,7 +90,7 @@ void reopenOutputs(ShowRecovery &recovery, OutputWindows &outputs)
 }
 
 // The application from its start to its end, QGuiApplication included.
-int runApplication(int argc, char *argv[])
+int runApplication(int argc, char *argv[], const CommandLine &commandLine)
 {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Kairon"));
@@ -125,9 +130,15 @@ int runApplication(int argc, char *argv[])
     ConsoleController console(engine, store, flow, toasts, clock, &FileReveal::show);
     // A show interrupted last time comes back first, where its clock is now.
     ShowRecovery recovery(engine, store, flow, toasts, clock);
-    const std::optional<QString> file = LaunchProject::fileArgument(app.arguments());
-    if (!recovery.resumeIfInterrupted(file) && file)
-        LaunchProject::open(*file, store, engine, flow, toasts);
+    const std::optional<QString> file = commandLine.projectFiles.isEmpty()
+                                            ? std::nullopt
+                                            : std::optional(commandLine.projectFiles.first());
+    if (!recovery.resumeIfInterrupted(file) && file && !LaunchProject::open(*file, store, engine, flow, toasts)
+        && commandLine.projectFiles.size() > 1) {
+        const QString ignored = commandLine.ignoredFilesWarning();
+        qWarning().noquote() << "kairon :" << ignored;
+        LaunchProject::toastOnArrival(flow, toasts, AppFlowState::Workspace, ignored, ToastMessage::Info);
+    }
     SettingsController settings(engine, network, web, store);
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
@@ -171,6 +182,28 @@ int main(int argc, char *argv[])
 {
     if (const std::optional<int> probed = RenderingBackend::runProbeIfAsked(argc, argv))
         return *probed;
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const CommandLine commandLine = CommandLine::parse(arguments);
+    switch (commandLine.action) {
+    case CommandLine::Action::Help:
+        std::fputs(CommandLine::helpText().toUtf8().constData(), stdout);
+        return 0;
+    case CommandLine::Action::Version:
+        std::fputs(CommandLine::versionText().toUtf8().constData(), stdout);
+        return 0;
+    case CommandLine::Action::Refuse:
+        std::fprintf(stderr, "kairon : %s\n%s\n", commandLine.error.toUtf8().constData(),
+                     "« kairon --help » donne la liste des options.");
+        return 2;
+    case CommandLine::Action::Import: {
+        QCoreApplication app(argc, argv); // no window, no display needed
+        return BatchImport::run(commandLine);
+    }
+    case CommandLine::Action::OpenWindow:
+        break;
+    }
     RenderingBackend::prepareEnvironment();
-    exitProcess(runApplication(argc, argv));
+    exitProcess(runApplication(argc, argv, commandLine));
 }

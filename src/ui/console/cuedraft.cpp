@@ -49,17 +49,7 @@ CueDraft::CueDraft(const QTimeZone &zone, QObject *parent) : QObject(parent), m_
 
 const std::vector<CueColour> &CueDraft::palette()
 {
-    static const std::vector<CueColour> colours{
-        {QStringLiteral("Vert"), QStringLiteral("#2ECC71")},
-        {QStringLiteral("Orange Orv"), QStringLiteral("#FF6B00")},
-        {QStringLiteral("Blanc"), QStringLiteral("#FFFFFF")},
-        {QStringLiteral("Bleu"), QStringLiteral("#3498DB")},
-        {QStringLiteral("Cyan"), QStringLiteral("#1ABC9C")},
-        {QStringLiteral("Violet"), QStringLiteral("#9B59B6")},
-        {QStringLiteral("Rose"), QStringLiteral("#FF2D78")},
-        {QStringLiteral("Jaune"), QStringLiteral("#F1C40F")},
-    };
-    return colours;
+    return CuePalette::colours();
 }
 
 QVariantList CueDraft::paletteList() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cue.h"
+#include "cuepalette.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -12,12 +13,6 @@
 #include <vector>
 
 class Clock;
-
-// One entry of the cue colour palette: the name the operator reads, the hex the cue stores.
-struct CueColour {
-    QString name;
-    QString hex;
-};
 
 // The cue editor's working copy of one cue. The editor's view binds to its properties; the
 // owner loads a cue, opens the editor and, on save, takes result() back. Nothing here is
@@ -68,6 +63,7 @@ public:
     explicit CueDraft(QObject *parent = nullptr);
     explicit CueDraft(const QTimeZone &zone, QObject *parent = nullptr);
 
+    // The cue colour palette (CuePalette), for the swatches.
     static const std::vector<CueColour> &palette();
 
     // Starts editing `cue`. A duration is shown truncated to whole seconds; a cue without an

@@ -2,12 +2,16 @@
 
 namespace LaunchProject {
 
-std::optional<QString> fileArgument(const QStringList &arguments)
+void toastOnArrival(AppFlowState &flow, ToastCenter &toasts, AppFlowState::Stage stage,
+                    const QString &text, ToastMessage::Kind kind)
 {
-    for (const QString &argument : arguments.mid(1))
-        if (!argument.startsWith(u'-'))
-            return argument;
-    return std::nullopt;
+    QObject::connect(
+        &flow, &AppFlowState::stageChanged, &toasts,
+        [&flow, &toasts, stage, text, kind] {
+            if (flow.stage() == stage)
+                toasts.show(text, kind, ToastCenter::errorSeconds);
+        },
+        Qt::SingleShotConnection);
 }
 
 std::optional<QString> open(const QString &path, const SessionStore &store, TimerEngine &engine,
@@ -18,14 +22,7 @@ std::optional<QString> open(const QString &path, const SessionStore &store, Time
     if (!session) {
         flow.setStageAfterSplash(AppFlowState::Sessions);
         const QString text = QStringLiteral("Projet illisible : ") + error;
-        // Shown on arrival at the library: during the splash it would be gone unseen.
-        QObject::connect(
-            &flow, &AppFlowState::stageChanged, &toasts,
-            [&flow, &toasts, text] {
-                if (flow.stage() == AppFlowState::Sessions)
-                    toasts.showError(text);
-            },
-            Qt::SingleShotConnection);
+        toastOnArrival(flow, toasts, AppFlowState::Sessions, text, ToastMessage::Error);
         return text;
     }
     // A library file not named after its show becomes the show's own file (one file per show).

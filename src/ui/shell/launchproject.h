@@ -13,8 +13,10 @@
 // A project named on the command line (what a double-click in the file manager runs).
 namespace LaunchProject {
 
-// The project file among the program's arguments (the first one that is not an option).
-std::optional<QString> fileArgument(const QStringList &arguments);
+// Shows `text` for 5 s once the splash has led to `stage`: during the splash it would be gone
+// unseen.
+void toastOnArrival(AppFlowState &flow, ToastCenter &toasts, AppFlowState::Stage stage,
+                    const QString &text, ToastMessage::Kind kind);
 
 // Loads the project into the engine and makes the splash lead to the console. A file that
 // cannot be read leaves the flow going to the library, where the error toast "Projet

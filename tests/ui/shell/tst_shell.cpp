@@ -109,19 +109,23 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(ProjectDocument::encode(show).value());
         file.close();
-        QCOMPARE(LaunchProject::fileArgument({"kairon", "-platform", path}), std::optional(path));
-        QCOMPARE(LaunchProject::fileArgument({"kairon"}), std::nullopt);
-
         AppFixture f;
         const SessionStore store(f.clock);
         QCOMPARE(LaunchProject::open(path, store, f.engine, f.flow, f.toasts), std::nullopt);
+        // A second file named on the command line is not opened, and the console says so.
+        const QString ignored = QStringLiteral("Un seul projet s’ouvre à la fois : « b.orvprjct » n’est pas ouvert.");
+        LaunchProject::toastOnArrival(f.flow, f.toasts, AppFlowState::Workspace, ignored, ToastMessage::Info);
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Gala des lumières"));
         QCOMPARE(f.flow.stage(), AppFlowState::Splash); // the splash still shows first
+        QVERIFY(!f.toasts.showing());
         f.clock.advance(10s);
         QCOMPARE(f.flow.stage(), AppFlowState::Workspace);
         QTRY_VERIFY(f.item("workspaceProjectName"));
         QCOMPARE(f.item("workspaceProjectName")->property("text").toString(),
                  QStringLiteral("Gala des lumières"));
+        QCOMPARE(f.toasts.current()->kind, ToastMessage::Info);
+        QCOMPARE(f.toasts.text(), ignored);
+        QTRY_COMPARE(f.item("toastText")->property("text").toString(), ignored);
     }
 
     void anUnreadableProjectOnTheCommandLineLandsOnTheLibrary()
