@@ -57,6 +57,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("square.and.arrow.down"), 0xF090},            // download
         {QStringLiteral("square.and.arrow.up"), 0xF09B},              // upload
         {QStringLiteral("stop.fill"), 0xE047},                        // stop
+        {QStringLiteral("tablecells"), 0xE265},                       // table_chart
         {QStringLiteral("trash"), 0xE872},                            // delete
     };
     return glyphs;

@@ -2,12 +2,14 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// The cue list's add menu: a blank cue, then one entry per template with its length.
+// The cue list's add menu: a blank cue, one entry per template with its length, then the cues
+// of a spreadsheet.
 Menu {
     id: menu
 
     required property ConsolePresenter presenter
     required property ConsoleController consoleController
+    signal addFromSpreadsheet
 
     objectName: "addCueMenu"
     width: 260
@@ -29,5 +31,11 @@ Menu {
             text: modelData.replace(/&/g, "&&") // shown as typed, not as a key mnemonic ("Q&A")
             onTriggered: menu.consoleController.addCueFromTemplate(index)
         }
+    }
+    MenuSeparator {}
+    MenuItem {
+        objectName: "addFromSpreadsheet"
+        text: "Ajouter depuis un tableur…"
+        onTriggered: menu.addFromSpreadsheet()
     }
 }

@@ -3,7 +3,7 @@ import QtQuick.Controls
 import Kairon
 
 // The cue list: its header with the add menu, the rows (or the empty hint), and the footer
-// with the total overtime and the two exports. Arrows move the selection, Enter edits the
+// with the total overtime and the three exports. Arrows move the selection, Enter edits the
 // selected cue and Delete asks to delete it.
 Rectangle {
     id: panel
@@ -13,6 +13,8 @@ Rectangle {
     required property ConsolePresenter presenter
     signal editCue(int index)
     signal deleteCue(int index)
+    signal addFromSpreadsheet
+    signal exportRundownSheet
 
     readonly property alias list: cues
 
@@ -60,6 +62,7 @@ Rectangle {
             id: addMenu
             presenter: panel.presenter
             consoleController: panel.consoleController
+            onAddFromSpreadsheet: panel.addFromSpreadsheet()
         }
     }
 
@@ -166,6 +169,12 @@ Rectangle {
                 symbol: "square.and.arrow.up"
                 help: "Exporter le rapport de session (réel vs prévu)"
                 onClicked: panel.consoleController.exportReport()
+            }
+            IconButton {
+                objectName: "exportRundownSheet"
+                symbol: "tablecells"
+                help: "Exporter le conducteur (.xlsx / .csv)"
+                onClicked: panel.exportRundownSheet()
             }
             IconButton {
                 objectName: "exportRundown"

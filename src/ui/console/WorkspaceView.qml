@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Dialogs
 import Kairon
 
 // The operator's console: the top bar over the cue list and the main panel with the timer,
@@ -54,6 +55,13 @@ Rectangle {
         presenter: presenter
         onEditCue: index => root.editCue(index)
         onDeleteCue: index => deleteDialog.ask(index)
+        onAddFromSpreadsheet: spreadsheetDialog.open()
+        onExportRundownSheet: {
+            const proposal = root.consoleController.rundownSheetProposal();
+            exportSheetDialog.currentFolder = proposal.toString().replace(/\/[^\/]*$/, "");
+            exportSheetDialog.selectedFile = proposal;
+            exportSheetDialog.open();
+        }
     }
 
     Flickable {
@@ -101,6 +109,7 @@ Rectangle {
 
     // A sheet or a confirmation is open over the console: the editing keys are its own.
     readonly property bool sheetOpen: deleteDialog.visible || cueEditor.visible || projectSheet.visible
+                                      || spreadsheetSheet.visible
 
     DeleteCueDialog {
         id: deleteDialog
@@ -120,6 +129,36 @@ Rectangle {
         brand: root.brand
         onEdited: session => root.consoleController.saveProjectInfo(session)
         onClosed: cueList.list.forceActiveFocus()
+    }
+
+    FileDialog {
+        id: spreadsheetDialog
+        objectName: "spreadsheetDialog"
+        title: "Ajouter depuis un tableur"
+        acceptLabel: "Ouvrir"
+        rejectLabel: "Annuler"
+        fileMode: FileDialog.OpenFile
+        nameFilters: ["Tableurs (*.xlsx *.ods *.csv *.tsv)", "Tous les fichiers (*)"]
+        onAccepted: spreadsheetSheet.openFile(selectedFile)
+    }
+
+    SpreadsheetImportSheet {
+        id: spreadsheetSheet
+        clock: root.clock
+        forShow: true
+        onAccepted: replace => root.consoleController.addCuesFromSpreadsheet(importer, replace)
+        onClosed: cueList.list.forceActiveFocus()
+    }
+
+    FileDialog {
+        id: exportSheetDialog
+        objectName: "exportSheetDialog"
+        title: "Exporter le conducteur"
+        acceptLabel: "Exporter"
+        rejectLabel: "Annuler"
+        fileMode: FileDialog.SaveFile
+        nameFilters: ["Classeur Excel (*.xlsx)", "CSV (*.csv)"]
+        onAccepted: root.consoleController.exportRundownSheet(selectedFile, selectedNameFilter.index === 1)
     }
 
     DoorsPopover {

@@ -1,6 +1,9 @@
 #include "consolecontroller.h"
 
+#include "localfile.h"
+
 #include "reportexporter.h"
+#include "rundownexport.h"
 #include "rundownpdfexporter.h"
 
 #include <utility>
@@ -126,6 +129,56 @@ void ConsoleController::exportRundownPDF()
     m_toasts.showSuccess(QStringLiteral("Rundown PDF exporté"));
     if (m_reveal)
         m_reveal(*path);
+}
+
+QUrl ConsoleController::rundownSheetProposal() const
+{
+    const QString name = ReportFiles::fileName(QStringLiteral("Conducteur"), m_engine.session(),
+                                               m_clock.now(), m_clock.timeZone(), QStringLiteral("xlsx"));
+    const std::optional<QString> path = ReportFiles::pathFor(name, nullptr);
+    return path ? QUrl::fromLocalFile(*path) : QUrl();
+}
+
+void ConsoleController::exportRundownSheet(const QUrl &file, bool csv)
+{
+    const std::optional<QString> named = localFileOf(file);
+    if (!named)
+        return;
+    QString path = *named;
+    if (path.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
+        csv = true;
+    else if (path.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive))
+        csv = false;
+    else
+        path += csv ? QLatin1String(".csv") : QLatin1String(".xlsx");
+    QString error;
+    const bool written = csv ? RundownExport::writeCsv(m_engine.session(), m_clock.timeZone(), path, &error)
+                             : RundownExport::writeXlsx(m_engine.session(), m_clock.timeZone(), path, &error);
+    if (!written) {
+        m_toasts.showError(QStringLiteral("Erreur export : ") + error);
+        return;
+    }
+    m_toasts.showSuccess(QStringLiteral("Conducteur exporté"));
+    if (m_reveal)
+        m_reveal(path);
+}
+
+void ConsoleController::addCuesFromSpreadsheet(SpreadsheetImport *importer, bool replace)
+{
+    if (!importer)
+        return;
+    if (m_engine.showLocked()) {
+        m_toasts.showError(QStringLiteral("Import refusé : le conducteur est verrouillé"));
+        return;
+    }
+    const QList<Cue> imported = importer->cues();
+    if (imported.isEmpty())
+        return;
+    m_engine.replaceCues(replace ? imported : m_engine.session().cues + imported);
+    const QString count = imported.size() == 1 ? QStringLiteral("1 cue")
+                                               : QStringLiteral("%1 cues").arg(imported.size());
+    m_toasts.showSuccess(replace ? QStringLiteral("Conducteur remplacé : ") + count
+                                 : count + (imported.size() == 1 ? QStringLiteral(" ajouté") : QStringLiteral(" ajoutés")));
 }
 
 bool ConsoleController::sendCustom(const QString &text, bool urgent)

@@ -5,6 +5,7 @@
 #include "cuedraft.h"
 #include "diskworker.h"
 #include "sessionstore.h"
+#include "spreadsheetimport.h"
 #include "timerengine.h"
 #include "toastcenter.h"
 
@@ -73,6 +74,16 @@ public:
     Q_INVOKABLE void backToProjects();
     Q_INVOKABLE void exportReport();
     Q_INVOKABLE void exportRundownPDF();
+    // Where "Exporter le conducteur (.xlsx / .csv)" proposes to write: the reports folder,
+    // "Conducteur_<show>_<date>.xlsx".
+    Q_INVOKABLE QUrl rundownSheetProposal() const;
+    // Writes the running order to `file`: CSV when it ends in ".csv", a workbook when it ends
+    // in ".xlsx", else as the dialog's filter chose (`csv`), that ending added. "Conducteur
+    // exporté", or "Erreur export : " and why.
+    Q_INVOKABLE void exportRundownSheet(const QUrl &file, bool csv);
+    // The previewed cues of a spreadsheet added after the show's, or in place of them, in one
+    // undo step; refused while the show is locked.
+    Q_INVOKABLE void addCuesFromSpreadsheet(SpreadsheetImport *importer, bool replace);
 
     // Sends the custom message trimmed of blanks; false (nothing sent, the field kept) when
     // nothing is left of it.

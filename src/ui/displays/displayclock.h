@@ -32,6 +32,8 @@ public:
     QString timeText() const;
     QString dateText() const;
 
+    // The injected clock itself, for what reads its time zone.
+    const Clock &clock() const { return m_clock; }
     // A one-shot timer on the injected clock; destroying it cancels it.
     std::unique_ptr<ClockTimer> createTimer(std::function<void()> onTimeout);
 

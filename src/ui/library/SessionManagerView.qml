@@ -106,6 +106,7 @@ Rectangle {
 
     // A sheet or a confirmation is open over the library.
     readonly property bool sheetOpen: (sheet !== null && sheet.visible) || deleteDialog.visible
+                                      || spreadsheetSheet.visible
 
     DeleteProjectDialog {
         id: deleteDialog
@@ -120,10 +121,25 @@ Rectangle {
         acceptLabel: "Importer"
         rejectLabel: "Annuler"
         fileMode: FileDialog.OpenFile
-        nameFilters: ["Projets Kairon (*.orvprjct *.json)", "Tous les fichiers (*)"]
+        nameFilters: ["Projets et tableurs (*.orvprjct *.json *.xlsx *.ods *.csv *.tsv)",
+                      "Projets Kairon (*.orvprjct *.json)", "Tableurs (*.xlsx *.ods *.csv *.tsv)",
+                      "Tous les fichiers (*)"]
         currentFolder: library.documentsFolder
-        onAccepted: library.importFrom(selectedFile)
+        // A spreadsheet's running order is previewed before it becomes a new project.
+        onAccepted: {
+            if (spreadsheetSheet.importer.isSpreadsheet(selectedFile))
+                spreadsheetSheet.openFile(selectedFile);
+            else
+                library.importFrom(selectedFile);
+        }
         onVisibleChanged: if (!visible) list.forceActiveFocus()
+    }
+
+    SpreadsheetImportSheet {
+        id: spreadsheetSheet
+        clock: root.clock
+        onAccepted: library.create(importer.newProject())
+        onClosed: list.forceActiveFocus()
     }
 
     FileDialog {

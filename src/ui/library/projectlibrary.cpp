@@ -1,26 +1,12 @@
 #include "projectlibrary.h"
 
 #include "blanks.h"
+#include "localfile.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTimer>
-
-namespace {
-
-// The local file a file dialog handed over. Qt's own dialog hands a name typed in its save
-// mode back as a bare path, without the "file" scheme.
-std::optional<QString> localFile(const QUrl &url)
-{
-    if (url.isLocalFile())
-        return url.toLocalFile();
-    if (url.scheme().isEmpty() && QFileInfo(url.path()).isAbsolute())
-        return url.path();
-    return std::nullopt;
-}
-
-} // namespace
 
 ProjectLibrary::ProjectLibrary(QObject *parent) : QObject(parent)
 {
@@ -217,7 +203,7 @@ void ProjectLibrary::cancelDelete()
 
 void ProjectLibrary::importFrom(const QUrl &file)
 {
-    const std::optional<QString> path = localFile(file);
+    const std::optional<QString> path = localFileOf(file);
     if (!m_store || !path)
         return;
     if (const std::optional<TimerSession> session = m_store->importFrom(*path))
@@ -237,7 +223,7 @@ void ProjectLibrary::requestExport(const QString &path)
 void ProjectLibrary::exportTo(const QUrl &file)
 {
     const std::optional<TimerSession> session = std::exchange(m_pendingExport, std::nullopt);
-    const std::optional<QString> path = localFile(file);
+    const std::optional<QString> path = localFileOf(file);
     if (session && m_store && path)
         m_store->exportTo(*session, *path);
 }

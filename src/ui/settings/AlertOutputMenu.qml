@@ -4,7 +4,7 @@ import Kairon
 // The menu of the alerts' audio output, 260 wide: the system output, then every output of the
 // machine by name. A stored output that is not connected matches no entry and stays stored;
 // the menu then says so rather than showing another output as chosen.
-SettingsMenu {
+ChoiceMenu {
     required property SettingsController settings
 
     width: 260

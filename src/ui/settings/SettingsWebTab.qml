@@ -33,7 +33,7 @@ SettingsPage {
                 font.family: AppTheme.textFont
                 font.pixelSize: 13
             }
-            SettingsMenu {
+            ChoiceMenu {
                 objectName: "webInterfaceMenu"
                 Layout.fillWidth: true
                 model: tab.web.interfaceChoices

@@ -1,3 +1,4 @@
+#include "filedialogs.h"
 #include "libraryfixture.h"
 
 #include <QTemporaryDir>
@@ -12,69 +13,16 @@ class TestLibraryExchange : public QObject
     Q_OBJECT
 
 private:
-    // Picks `file` in a file dialog that is open, as a person does: goes to its folder, clicks
-    // the file to open or types the name to save under, and clicks the accept button.
     static void pick(const LibraryFixture &f, QObject *dialog, const QString &file)
     {
-        QTRY_VERIFY(dialog->property("visible").toBool());
-        const QFileInfo target(file);
-        dialog->setProperty("currentFolder", QUrl::fromLocalFile(target.absolutePath()));
-        if (dialog->property("fileMode").toInt() == saveFile) {
-            QQuickItem *name = f.item(QStringLiteral("fileNameTextField"));
-            QVERIFY(name);
-            f.click(name);
-            f.key(Qt::Key_A, Qt::ControlModifier);
-            f.type(target.fileName());
-            // Qt's own dialog takes a typed name only once Return confirms it.
-            f.key(Qt::Key_Return);
-        } else {
-            QQuickItem *entry = nullptr;
-            QTRY_VERIFY((entry = entryFor(f, QUrl::fromLocalFile(file))));
-            f.click(entry);
-        }
-        confirm(f, dialog);
+        FileDialogs::pick(f.window(), dialog, file);
     }
-
-    // Clicks the accept button of an open file dialog, as the page names it.
     static void confirm(const LibraryFixture &f, QObject *dialog)
     {
-        // Over the page, where the page's own "Importer" is not.
-        QQuickItem *overlay = nullptr;
-        for (QQuickItem *layer : f.window()->contentItem()->childItems())
-            if (layer->inherits("QQuickOverlay"))
-                overlay = layer;
-        QVERIFY(overlay);
-        QQuickItem *accept = button(overlay, dialog->property("acceptLabel").toString());
-        QVERIFY(accept);
-        f.click(accept);
-        QTRY_VERIFY(!dialog->property("visible").toBool());
+        FileDialogs::confirm(f.window(), dialog);
     }
-
-    // The visible button showing `text`.
-    static QQuickItem *button(QQuickItem *from, const QString &text)
-    {
-        for (QQuickItem *child : from->childItems()) {
-            if (!child->isVisible())
-                continue;
-            if (child->inherits("QQuickAbstractButton") && child->property("text").toString() == text)
-                return child;
-            if (QQuickItem *found = button(child, text))
-                return found;
-        }
-        return nullptr;
-    }
-
-    // The row of the dialog's file list that shows `file`.
-    static QQuickItem *entryFor(const LibraryFixture &f, const QUrl &file)
-    {
-        for (int row = 0; QQuickItem *entry = f.item(QStringLiteral("fileDialogDelegate%1").arg(row)); ++row)
-            if (entry->property("file").toUrl() == file)
-                return entry;
-        return nullptr;
-    }
-
-    static constexpr int openFile = 0;
-    static constexpr int saveFile = 2;
+    static constexpr int openFile = FileDialogs::openFile;
+    static constexpr int saveFile = FileDialogs::saveFile;
 
     // Makes the library folder impossible to write: a plain file stands in its place.
     static void blockTheFolder(const LibraryFixture &f)

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// A settings menu over a list of entries (maps named by textRole and valueRole): the input grey
+// A menu over a list of entries (maps named by textRole and valueRole): the input grey
 // with a chevron, its list in a popup. While no entry is current, it shows `absentText`.
 ComboBox {
     id: menu
