@@ -4,6 +4,8 @@
 #include "odsreader.h"
 #include "sheetfuzzcheck.h"
 
+#include <QBuffer>
+
 #include <cstddef>
 #include <cstdint>
 

@@ -5,6 +5,8 @@
 #include "sheetfuzzcheck.h"
 #include "xlsxreader.h"
 
+#include <QBuffer>
+
 #include <cstddef>
 #include <cstdint>
 
