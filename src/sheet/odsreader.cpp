@@ -147,15 +147,6 @@ QString readParagraphs(QXmlStreamReader &xml)
     return text.take();
 }
 
-SheetCell numberCell(double number, bool isTime)
-{
-    SheetCell cell;
-    cell.kind = SheetCell::Kind::Number;
-    cell.number = number;
-    cell.isTime = isTime;
-    return cell;
-}
-
 // A table-cell's value, the reader on its start, read to its end. The value attributes win
 // over the text the cell shows; a value that cannot be read leaves the text.
 SheetCell readCell(QXmlStreamReader &xml)

@@ -24,6 +24,23 @@ struct SheetCell {
     bool operator==(const SheetCell &) const = default;
 };
 
+inline SheetCell textCell(const QString &text)
+{
+    SheetCell cell;
+    cell.kind = SheetCell::Kind::Text;
+    cell.text = text;
+    return cell;
+}
+
+inline SheetCell numberCell(double number, bool isTime = false)
+{
+    SheetCell cell;
+    cell.kind = SheetCell::Kind::Number;
+    cell.number = number;
+    cell.isTime = isTime;
+    return cell;
+}
+
 // One sheet: rows[i] is the sheet's line i + 1, columns[j] its column j + 1 (A is 0). Rows keep
 // their place (an empty line is an empty list); a row ends at its last cell that is not Empty
 // or covered; the table ends at its last row that has any.

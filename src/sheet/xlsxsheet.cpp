@@ -102,23 +102,6 @@ QString readRichText(QXmlStreamReader &xml)
     return text;
 }
 
-SheetCell textCell(const QString &text)
-{
-    SheetCell cell;
-    cell.kind = SheetCell::Kind::Text;
-    cell.text = text;
-    return cell;
-}
-
-SheetCell numberCell(double number, bool isTime)
-{
-    SheetCell cell;
-    cell.kind = SheetCell::Kind::Number;
-    cell.number = number;
-    cell.isTime = isTime;
-    return cell;
-}
-
 // The place of a cell within the limits, as a key of SharedStringCells.
 std::optional<quint32> placeKey(qint64 row, qint64 column)
 {

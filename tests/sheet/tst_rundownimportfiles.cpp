@@ -1,10 +1,8 @@
 #include "importexpect.h"
 #include "sheetfile.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
-#include <limits>
 
 // Whole running orders as the producers' files hold them, read by the real readers.
 class TestRundownImportFiles : public QObject
@@ -129,16 +127,9 @@ private slots:
                                text(index % 3 ? "Orange Orv" : "#2ecc71"),
                                text("Pupitre côté jardin"), text(index % 2 ? "oui" : "")});
         }
-        qint64 fastest = std::numeric_limits<qint64>::max();
-        for (int run = 0; run < 3; ++run) {
-            QElapsedTimer timer;
-            timer.start();
-            const ImportPreview preview = RundownImport::preview(table, paris);
-            fastest = std::min(fastest, timer.elapsed());
-            QCOMPARE(preview.cueCount(), 2000);
-        }
-        qInfo() << "2000 rows previewed in" << fastest << "ms";
-        QVERIFY2(fastest < 100, qPrintable(QString::number(fastest)));
+        const ImportPreview preview = RundownImport::preview(table, paris);
+        QCOMPARE(preview.cueCount(), 2000);
+        QCOMPARE(preview.cues()[49].mode, TimerMode::HardOut);
     }
 };
 

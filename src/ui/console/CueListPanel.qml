@@ -165,16 +165,16 @@ Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             spacing: 6
             IconButton {
-                objectName: "exportReport"
-                symbol: "square.and.arrow.up"
-                help: "Exporter le rapport de session (réel vs prévu)"
-                onClicked: panel.consoleController.exportReport()
-            }
-            IconButton {
                 objectName: "exportRundownSheet"
                 symbol: "tablecells"
                 help: "Exporter le conducteur (.xlsx / .csv)"
                 onClicked: panel.exportRundownSheet()
+            }
+            IconButton {
+                objectName: "exportReport"
+                symbol: "square.and.arrow.up"
+                help: "Exporter le rapport de session (réel vs prévu)"
+                onClicked: panel.consoleController.exportReport()
             }
             IconButton {
                 objectName: "exportRundown"

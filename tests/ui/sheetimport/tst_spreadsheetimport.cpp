@@ -103,7 +103,6 @@ private slots:
         QVERIFY(f.app.store.listProjects().isEmpty()); // nothing before "Importer"
         for (const QSize size : {QSize(1150, 750), QSize(1920, 1080), QSize(3840, 2160)}) {
             f.resize(size.width(), size.height());
-            QTest::qWait(50); // the popup lays out at the new size
             keepScreenshot(f.grab(), QStringLiteral("spreadsheet-preview-library-%1x%2").arg(size.width()).arg(size.height()));
         }
         f.resize(1150, 750);
@@ -173,7 +172,7 @@ private slots:
         QCOMPARE(names(), (QStringList{"Ouverture", "Clôture"})); // nothing before "Importer"
         for (const QSize size : {QSize(1150, 750), QSize(1920, 1080)}) {
             c.operatorWindow->resize(size);
-            QTest::qWait(50);
+            QTRY_COMPARE(c.operatorWindow->contentItem()->width(), double(size.width()));
             keepScreenshot(c.shot(), QStringLiteral("spreadsheet-preview-console-%1x%2").arg(size.width()).arg(size.height()));
         }
         c.operatorWindow->resize(QSize(1150, 750));
