@@ -97,7 +97,9 @@ QByteArray encode(const LiveState &s)
         {"showLocked", s.showLocked},
         {"outputs", outputs},
     };
-    return QJsonDocument(root).toJson(QJsonDocument::Compact);
+    // The byte-order mark is written escaped: Qt's reader drops it, raw, at the start of a text,
+    // and a cue name or a message read back would lose it. Outside texts the document has none.
+    return QJsonDocument(root).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
 }
 
 std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
