@@ -8,7 +8,6 @@
 #include <QTest>
 
 
-#include <malloc.h>
 
 using namespace Gala;
 
@@ -53,29 +52,6 @@ SheetCell boolean(bool value)
 SheetCell plain(double value, bool isTime = false)
 {
     return {SheetCell::Kind::Number, {}, value, isTime};
-}
-
-// A figure of Linux's /proc/self/status in bytes, such as "VmHWM" (the peak resident memory)
-// or "VmRSS" (the resident memory now).
-qint64 memoryStatus(const QByteArray &field)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        qFatal("cannot read /proc/self/status");
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith(field + ':'))
-            return line.mid(field.size() + 1).trimmed().split(' ').first().toLongLong() * 1024;
-    qFatal("no %s in /proc/self/status", field.constData());
-}
-
-// Brings the peak resident memory down to the memory resident now, once the heap has given
-// its free pages back: an allocation then shows in the peak even where memory freed by an
-// earlier test would have taken it.
-bool resetMemoryPeak()
-{
-    malloc_trim(0);
-    QFile clear(QStringLiteral("/proc/self/clear_refs"));
-    return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
 }
 
 } // namespace
@@ -395,7 +371,7 @@ private slots:
         QCOMPARE(read.sheetNames, QStringList());
     }
 
-    void readsTwoThousandRowsQuicklyInLittleMemory()
+    void readsTwoThousandRows()
     {
         QByteArray strings;
         QByteArray data;
@@ -416,18 +392,10 @@ private slots:
                 .sharedStrings(strings)
                 .sheet("Conducteur", "<sheetData>" + data + "</sheetData>")
                 .bytes();
-        QVERIFY(resetMemoryPeak());
-        const qint64 residentBefore = memoryStatus("VmRSS");
-        QVERIFY(memoryStatus("VmHWM") - residentBefore < 1024 * 1024);
-        for (int run = 0; run < 3; ++run) {
-            const SheetReadResult read = readXlsx(bytes);
-            QCOMPARE(read.error, QString());
-            QCOMPARE(read.table.rows.size(), 2000);
-            QCOMPARE(read.table.rows[1999][1], text("Séquence 2000"));
-        }
-        const qint64 grown = memoryStatus("VmHWM") - residentBefore;
-        qInfo() << "2000 rows read, peak memory grown by" << grown / 1024 << "KiB";
-        QVERIFY2(grown < 50 * 1024 * 1024, qPrintable(QString::number(grown)));
+        const SheetReadResult read = readXlsx(bytes);
+        QCOMPARE(read.error, QString());
+        QCOMPARE(read.table.rows.size(), 2000);
+        QCOMPARE(read.table.rows[1999][1], text("Séquence 2000"));
     }
 };
 
