@@ -9,17 +9,6 @@
 
 #include <cstdio>
 
-namespace {
-
-// A row left out because it is not a cue (a total, a section title) is no problem.
-bool isProblem(const ImportRow &row)
-{
-    return !row.problem.isEmpty() && row.problem != QLatin1String("Ligne de total")
-           && row.problem != QLatin1String("Ligne de titre");
-}
-
-} // namespace
-
 namespace BatchImport {
 
 int run(const CommandLine &commandLine)
@@ -50,7 +39,7 @@ int run(const CommandLine &commandLine, const QDateTime &now, const QTimeZone &z
 
     int problems = 0;
     for (const ImportRow &row : preview.rows) {
-        if (isProblem(row)) {
+        if (!row.problem.isEmpty() && !row.notACue) {
             ++problems;
             failure(QStringLiteral("%1, ligne %2").arg(file).arg(row.line), row.problem);
         }

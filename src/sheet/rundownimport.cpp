@@ -108,10 +108,12 @@ ImportRow RowReader::read(int line, const ImportContext &context, int cueNumber)
     const SheetCell &name = cell(ImportField::Name);
     if (isTotalRow(m_row, name)) {
         result.problem = QStringLiteral("Ligne de total");
+        result.notACue = true;
         return result;
     }
     if (isSectionTitle(m_row)) {
         result.problem = QStringLiteral("Ligne de titre");
+        result.notACue = true;
         return result;
     }
 

@@ -17,6 +17,7 @@ struct ImportRow {
     int line = 0;           // the sheet's line number, 1-based
     std::optional<Cue> cue; // the cue it becomes; none when the row is left out
     QString problem;        // why it is left out, or what of it was not taken; empty if none
+    bool notACue = false;   // left out as a total or a section title: no problem of the sheet
 };
 
 // Where an end time of day is placed: that time on `day` in `zone` (UTC when the zone is not

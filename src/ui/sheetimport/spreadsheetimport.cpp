@@ -5,7 +5,6 @@
 #include "sheetfile.h"
 #include "timerengine.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -152,12 +151,6 @@ void SpreadsheetImport::onDone()
     m_busy = false;
     endResetModel();
     emit changed();
-}
-
-void SpreadsheetImport::waitForRead()
-{
-    m_job.waitForFinished();
-    QCoreApplication::processEvents(); // delivers finished()
 }
 
 int SpreadsheetImport::rowCount(const QModelIndex &parent) const

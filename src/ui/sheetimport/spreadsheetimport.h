@@ -82,9 +82,6 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    // Waits for a read in progress, for the tests.
-    void waitForRead();
-
 signals:
     void clockChanged();
     void changed();
