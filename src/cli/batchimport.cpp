@@ -1,5 +1,6 @@
 #include "batchimport.h"
 
+#include "linkedrundown.h"
 #include "projectdocument.h"
 #include "rundownimport.h"
 #include "sheetfile.h"
@@ -53,6 +54,7 @@ int run(const CommandLine &commandLine, const QDateTime &now, const QTimeZone &z
     TimerSession session(now);
     session.name = QFileInfo(file).completeBaseName();
     session.cues = preview.cues();
+    session.linkedSpreadsheet = LinkedRundown::linkFor(file, read.table.sheetName, {});
     QString error;
     const std::optional<QByteArray> bytes = ProjectDocument::encode(session, &error);
     if (!bytes)

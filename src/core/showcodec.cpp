@@ -25,6 +25,18 @@ void insertIfPresent(QJsonObject &o, QLatin1StringView key, const std::optional<
 QJsonValue text(const QString &s) { return s; }
 QJsonValue number(double d) { return d; }
 QJsonValue date(const QDateTime &d) { return InternetDate::format(d); }
+QJsonValue link(const LinkedSpreadsheet &l)
+{
+    QJsonObject o{{QLatin1StringView("path"), l.path}};
+    insertIfPresent(o, QLatin1StringView("sheet"), l.sheet, text);
+    if (!l.columns.isEmpty()) {
+        QJsonObject columns;
+        for (auto it = l.columns.cbegin(); it != l.columns.cend(); ++it)
+            columns.insert(it.key(), it.value());
+        o.insert(QLatin1StringView("columns"), columns);
+    }
+    return o;
+}
 
 } // namespace
 
@@ -65,6 +77,7 @@ QJsonObject encode(const TimerSession &session)
     insertIfPresent(o, QLatin1StringView("operatorName"), session.operatorName, text);
     insertIfPresent(o, QLatin1StringView("eventDate"), session.eventDate, date);
     insertIfPresent(o, QLatin1StringView("notes"), session.notes, text);
+    insertIfPresent(o, QLatin1StringView("linkedSpreadsheet"), session.linkedSpreadsheet, link);
     return o;
 }
 
@@ -160,6 +173,12 @@ public:
             return v.isArray() ? std::optional(v.toArray()) : std::nullopt;
         });
     }
+    std::optional<QJsonObject> object(QLatin1StringView key) const
+    {
+        return read(key, QStringLiteral("un objet"), [](const QJsonValue &v) {
+            return v.isObject() ? std::optional(v.toObject()) : std::nullopt;
+        });
+    }
     std::optional<TimerMode> mode(QLatin1StringView key) const
     {
         const std::optional<QString> raw = text(key);
@@ -221,6 +240,23 @@ Cue readCue(const QJsonObject &object, const QString &where)
     return cue;
 }
 
+LinkedSpreadsheet readLink(const QJsonObject &object)
+{
+    const QString where = QStringLiteral(" du tableur lié");
+    const ObjectReader r(object, where);
+    LinkedSpreadsheet link;
+    link.path = r.required(r.text(QLatin1StringView("path")), QLatin1StringView("path"));
+    link.sheet = r.text(QLatin1StringView("sheet"));
+    const QJsonObject columns = r.object(QLatin1StringView("columns")).value_or(QJsonObject());
+    for (auto it = columns.constBegin(); it != columns.constEnd(); ++it) {
+        if (!it->isString())
+            throw DecodeFailure{QStringLiteral("la colonne « %1 »%2 devrait être un texte")
+                                    .arg(it.key(), where)};
+        link.columns.insert(it.key(), it->toString());
+    }
+    return link;
+}
+
 TimerSession readSession(const QJsonObject &object, const QDateTime &now)
 {
     const ObjectReader r(object, QString());
@@ -242,6 +278,8 @@ TimerSession readSession(const QJsonObject &object, const QDateTime &now)
     session.operatorName = r.text(QLatin1StringView("operatorName"));
     session.eventDate = r.date(QLatin1StringView("eventDate"));
     session.notes = r.text(QLatin1StringView("notes"));
+    if (const auto link = r.object(QLatin1StringView("linkedSpreadsheet")))
+        session.linkedSpreadsheet = readLink(*link);
     return session;
 }
 

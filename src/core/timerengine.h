@@ -174,6 +174,9 @@ public:
     // Takes the project data of `edited` (name, client, venue, operator, event date, notes):
     // the running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
+    // The spreadsheet the running order follows from now on, or none. Not an undo step: undoing
+    // an import brings back the cues, the link to the file stays as last chosen.
+    void setLinkedSpreadsheet(const std::optional<LinkedSpreadsheet> &link);
 
     // What the recovery file keeps of the show now (its outputs aside).
     LiveState liveState() const;

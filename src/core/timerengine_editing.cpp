@@ -175,3 +175,12 @@ void TimerEngine::updateProjectInfo(const TimerSession &edited)
     m_session.updatedAt = edited.updatedAt;
     notify(&TimerEngine::sessionChanged);
 }
+
+void TimerEngine::setLinkedSpreadsheet(const std::optional<LinkedSpreadsheet> &link)
+{
+    const Batch batch(*this);
+    if (m_session.linkedSpreadsheet == link)
+        return;
+    m_session.linkedSpreadsheet = link;
+    notify(&TimerEngine::sessionChanged);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cue.h"
+#include "linkedspreadsheet.h"
 
 #include <QDateTime>
 #include <QList>
@@ -23,6 +24,7 @@ struct TimerSession {
     std::optional<QString> operatorName;
     std::optional<QDateTime> eventDate;
     std::optional<QString> notes;
+    std::optional<LinkedSpreadsheet> linkedSpreadsheet; // when imported from a spreadsheet
 
     TimerSession() = default;
     // A freshly made show created at `now`.

@@ -2,6 +2,9 @@
 
 #include <QTime>
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 QString folded(const QString &name)
@@ -61,13 +64,36 @@ QString count(int n, const char *participle, bool withNoun)
     return text;
 }
 
+// The positions of `values` that are not on one longest increasing run of them: the fewest
+// to move so that the rest stand in order.
+std::vector<bool> offLongestRun(const QList<qsizetype> &values)
+{
+    QList<qsizetype> tails;        // tails[k]: position ending the best run of length k + 1
+    QList<qsizetype> before(values.size(), -1);
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        const auto at = std::lower_bound(tails.begin(), tails.end(), values[i],
+                                         [&values](qsizetype tail, qsizetype v) { return values[tail] < v; });
+        if (at != tails.begin())
+            before[i] = *(at - 1);
+        if (at == tails.end())
+            tails.append(i);
+        else
+            *at = i;
+    }
+    std::vector<bool> off(values.size(), true);
+    for (qsizetype i = tails.isEmpty() ? -1 : tails.last(); i >= 0; i = before[i])
+        off[i] = false;
+    return off;
+}
+
 } // namespace
 
 QString RundownMerge::counts() const
 {
     QStringList parts;
     for (const auto &[n, participle] : {std::pair{changed, "modifié"}, std::pair{added, "ajouté"},
-                                        std::pair{removed, "supprimé"}}) {
+                                        std::pair{removed, "supprimé"},
+                                        std::pair{moved, "déplacé"}}) {
         if (n > 0)
             parts.append(count(n, participle, parts.isEmpty()));
     }
@@ -80,23 +106,41 @@ RundownMerge merge(const QList<Cue> &show, const QList<Cue> &sheet, const QTimeZ
 {
     RundownMerge merge;
     QList<bool> matched(show.size(), false);
-    for (const Cue &row : sheet) {
-        qsizetype found = -1;
-        for (qsizetype i = 0; i < show.size() && found < 0; ++i)
-            if (!matched[i] && folded(show[i].name) == folded(row.name))
-                found = i;
-        if (found < 0) {
-            merge.cues.append(row);
-            merge.changes.append({RundownMerge::Change::Added, row.name, {}});
+    QList<qsizetype> matchOf(sheet.size(), -1); // the show cue each row stays, or -1
+    for (qsizetype row = 0; row < sheet.size(); ++row) {
+        for (qsizetype i = 0; i < show.size() && matchOf[row] < 0; ++i)
+            if (!matched[i] && folded(show[i].name) == folded(sheet[row].name))
+                matchOf[row] = i;
+        if (matchOf[row] >= 0)
+            matched[matchOf[row]] = true;
+    }
+    QList<qsizetype> kept;
+    for (const qsizetype i : matchOf)
+        if (i >= 0)
+            kept.append(i);
+    const std::vector<bool> movedKept = offLongestRun(kept);
+
+    qsizetype keptIndex = 0;
+    for (qsizetype row = 0; row < sheet.size(); ++row) {
+        const Cue &cue = sheet[row];
+        if (matchOf[row] < 0) {
+            merge.cues.append(cue);
+            merge.changes.append({RundownMerge::Change::Added, cue.name, {}});
             ++merge.added;
             continue;
         }
-        matched[found] = true;
-        const QStringList fields = differences(show[found], row, zone);
-        merge.cues.append(fields.isEmpty() ? show[found] : updated(show[found], row, zone));
+        const Cue &was = show[matchOf[row]];
+        QStringList fields = differences(was, cue, zone);
+        merge.cues.append(fields.isEmpty() ? was : updated(was, cue, zone));
+        const bool moved = movedKept[keptIndex++];
         if (!fields.isEmpty()) {
-            merge.changes.append({RundownMerge::Change::Changed, row.name, fields});
+            if (moved)
+                fields.append(QStringLiteral("place"));
+            merge.changes.append({RundownMerge::Change::Changed, cue.name, fields});
             ++merge.changed;
+        } else if (moved) {
+            merge.changes.append({RundownMerge::Change::Moved, cue.name, {}});
+            ++merge.moved;
         }
     }
     for (qsizetype i = 0; i < show.size(); ++i) {

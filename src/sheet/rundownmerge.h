@@ -11,13 +11,16 @@
 // every planned field; a show cue whose name a row carries again (the first one not matched
 // yet, names compared trimmed and without case) stays that cue: its id, so the clock stays on
 // it while it runs, and what the log filled in (actual time, overtime). Rows that match no cue
-// are new cues; cues that no row matches are gone.
+// are new cues; cues that no row matches are gone. Kept cues that the sheet puts in another
+// order are moved: the fewest of them, those off the longest run already in order.
 struct RundownMerge {
     struct Change {
-        enum Kind { Added, Removed, Changed };
+        enum Kind { Added, Removed, Changed, Moved };
         Kind kind = Changed;
         QString name;
-        QStringList fields; // Changed: the fields that differ, as the preview names them ("durée")
+        // Changed: the fields that differ, as the preview names them ("durée"), and "place"
+        // when the cue moved too.
+        QStringList fields;
         bool operator==(const Change &) const = default;
     };
 
@@ -26,9 +29,11 @@ struct RundownMerge {
     int changed = 0;
     int added = 0;
     int removed = 0;
+    int moved = 0; // moved and nothing else changed
 
     bool isEmpty() const { return changes.isEmpty(); }
-    // "2 cues modifiés, 1 ajouté", "1 cue supprimé": the first count carries the noun.
+    // "2 cues modifiés, 1 ajouté", "1 cue supprimé", "1 cue déplacé": the first count carries
+    // the noun.
     QString counts() const;
 };
 

@@ -18,12 +18,30 @@ bool holdsValue(const SheetCell &cell)
 
 } // namespace
 
-QString sheetCellReference(qint64 row, qint64 column)
+QString sheetColumnName(qint64 column)
 {
     QString letters;
     for (qint64 rest = column + 1; rest > 0; rest = (rest - 1) / 26)
         letters.prepend(QChar(u'A' + char16_t((rest - 1) % 26)));
-    return letters + QString::number(row + 1);
+    return letters;
+}
+
+std::optional<int> sheetColumnOf(const QString &letters)
+{
+    if (letters.isEmpty() || letters.size() > 3)
+        return std::nullopt;
+    int column = 0;
+    for (const QChar c : letters) {
+        if (c < u'A' || c > u'Z')
+            return std::nullopt;
+        column = column * 26 + (c.unicode() - u'A' + 1);
+    }
+    return column - 1;
+}
+
+QString sheetCellReference(qint64 row, qint64 column)
+{
+    return sheetColumnName(column) + QString::number(row + 1);
 }
 
 SheetGrid::SheetGrid() = default;

@@ -6,9 +6,14 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 // A cell's reference as a spreadsheet shows it: row and column from 0, (6, 1) is "B7".
 QString sheetCellReference(qint64 row, qint64 column);
+// A column's letters: 0 is "A", 27 is "AB".
+QString sheetColumnName(qint64 column);
+// The column that letters name ("AB" is 27); none for anything else.
+std::optional<int> sheetColumnOf(const QString &letters);
 
 // One sheet's cells as a workbook reader finds them, in any order. It holds the SheetLimits on
 // the values (an empty cell, however far, counts for nothing) and stops at the first one

@@ -83,6 +83,10 @@ def imported(source, expected_cues, extra=()):
             if w is not None:
                 check(w == h, f"{source} cue {i + 1} {field}: {h!r}, expected {w!r}")
     check(len(got) == len(expected_cues), f"{source}: {len(got)} cues, expected {len(expected_cues)}")
+    # The project follows its spreadsheet, named by its absolute path, on the sheet read.
+    link = project.get("linkedSpreadsheet", {})
+    check(link.get("path") == os.path.abspath(source), f"{source}: linked to {link!r}")
+    check("columns" not in link, f"{source}: no column chosen by hand: {link!r}")
     return project
 
 
@@ -98,6 +102,7 @@ project = imported(sheet("conducteur-excel-fr.csv"), [
     ("Table ronde", "Élise Martin", 1200, None, True), ("Questions du public", None, 330, None, True),
     ("Clôture", "Claire Dubois", 150, None, False), ("Cocktail", None, 2700, None, False)])
 if project:
+    check(project["linkedSpreadsheet"]["sheet"] == "conducteur-excel-fr", f"sheet {project['linkedSpreadsheet']!r}")
     pause = project["cues"][5]
     check(pause.get("mode") == "hardOut", f"Pause is a hard-out cue: {pause.get('mode')!r}")
     # 14:30 in Paris on the day of the run.

@@ -98,11 +98,38 @@ private slots:
     void absentOptionalFieldsAreLeftOutAndStayAbsent()
     {
         const QByteArray bytes = ProjectDocument::encode(showWithNoOptionalField()).value();
-        for (const char *key : {"client", "venue", "operatorName", "eventDate", "notes", "null"})
+        for (const char *key : {"client", "venue", "operatorName", "eventDate", "notes",
+                                "linkedSpreadsheet", "null"})
             QVERIFY2(!bytes.contains(key), key);
         const TimerSession back = ProjectDocument::decode(bytes, readingTime).value();
         QVERIFY(!back.client.has_value());
         QVERIFY(!back.notes.has_value());
+    }
+
+    void aLinkedSpreadsheetIsWrittenAndReadBack()
+    {
+        TimerSession s = showWithNoOptionalField();
+        s.linkedSpreadsheet = LinkedSpreadsheet{QStringLiteral("/home/régie/Conducteur gala.xlsx"),
+                                                QStringLiteral("Conducteur"),
+                                                {{QStringLiteral("D"), QStringLiteral("ignore")},
+                                                 {QStringLiteral("AB"), QStringLiteral("notes")}}};
+        const QByteArray bytes = ProjectDocument::encode(s).value();
+        QVERIFY2(bytes.contains("  \"linkedSpreadsheet\" : {\n"
+                                "    \"columns\" : {\n"
+                                "      \"AB\" : \"notes\",\n"
+                                "      \"D\" : \"ignore\"\n"
+                                "    },\n"
+                                "    \"path\" : \"\\/home\\/régie\\/Conducteur gala.xlsx\",\n"
+                                "    \"sheet\" : \"Conducteur\"\n"
+                                "  },\n"),
+                 bytes.constData());
+        QCOMPARE(ProjectDocument::decode(bytes, readingTime).value(), s);
+
+        // A text file's link: its path alone.
+        s.linkedSpreadsheet = LinkedSpreadsheet{QStringLiteral("/tmp/c.csv"), std::nullopt, {}};
+        const QByteArray alone = ProjectDocument::encode(s).value();
+        QVERIFY(alone.contains("  \"linkedSpreadsheet\" : {\n    \"path\" : \"\\/tmp\\/c.csv\"\n  },\n"));
+        QCOMPARE(ProjectDocument::decode(alone, readingTime).value(), s);
     }
 
     void anEmptyClientIsKeptAsEmptyNotAbsent()
@@ -318,6 +345,15 @@ private slots:
         QTest::newRow("overtime as bool")
             << QByteArray(R"({"cues": [{"overtime": false}]})")
             << "la valeur « overtime » du cue 1 devrait être un nombre";
+        QTest::newRow("linked spreadsheet as text")
+            << QByteArray(R"({"linkedSpreadsheet": "/tmp/c.csv"})")
+            << "la valeur « linkedSpreadsheet » devrait être un objet";
+        QTest::newRow("linked spreadsheet without path")
+            << QByteArray(R"({"linkedSpreadsheet": {"sheet": "Conducteur"}})")
+            << "la clé « path » du tableur lié manque";
+        QTest::newRow("linked spreadsheet column as number")
+            << QByteArray(R"({"linkedSpreadsheet": {"path": "/tmp/c.csv", "columns": {"D": 3}}})")
+            << "la colonne « D » du tableur lié devrait être un texte";
         QTest::newRow("not json") << QByteArray("{\"name\": \"Gala\",,}")
                                   << "le contenu n'est pas du JSON valide (octet 17)";
         QTest::newRow("array document")

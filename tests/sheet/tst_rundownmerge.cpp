@@ -96,6 +96,28 @@ private slots:
         QCOMPARE(merge.cues[0].id, show.id);
     }
 
+    void aCueTheSheetPutsElsewhereIsMoved()
+    {
+        const QList<Cue> show{cue("A", 60), cue("B", 60), cue("C", 60),
+                              cue("D", 60), cue("E", 60), cue("F", 60)};
+        // F brought to the top, C longer and last: two moves, the rest in order.
+        const QList<Cue> sheet{cue("F", 60), cue("A", 60), cue("B", 60),
+                               cue("D", 60), cue("E", 60), cue("C", 90)};
+        const RundownMerge merge = RundownMerging::merge(show, sheet, paris);
+        QCOMPARE(names(merge.cues), (QStringList{"F", "A", "B", "D", "E", "C"}));
+        QCOMPARE(merge.cues[0].id, show[5].id);
+        QCOMPARE(merge.cues[5].id, show[2].id);
+        QCOMPARE(merge.changes, (QList<RundownMerge::Change>{
+                                    {RundownMerge::Change::Moved, "F", {}},
+                                    {RundownMerge::Change::Changed, "C", {"durée", "place"}}}));
+        QCOMPARE(merge.counts(), QStringLiteral("1 cue modifié, 1 déplacé"));
+
+        // Only the order changes: still a change to offer.
+        const RundownMerge swapped = RundownMerging::merge(show.mid(0, 2), {cue("B", 60), cue("A", 60)}, paris);
+        QCOMPARE(swapped.counts(), QStringLiteral("1 cue déplacé"));
+        QVERIFY(!swapped.isEmpty());
+    }
+
     void countsCarryTheNounOnTheFirstOnly()
     {
         RundownMerge merge;

@@ -59,6 +59,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("stop.fill"), 0xE047},                        // stop
         {QStringLiteral("tablecells"), 0xE265},                       // table_chart
         {QStringLiteral("trash"), 0xE872},                            // delete
+        {QStringLiteral("xmark"), 0xE5CD},                            // close
     };
     return glyphs;
 }

@@ -15,6 +15,7 @@ Rectangle {
     signal deleteCue(int index)
     signal addFromSpreadsheet
     signal exportRundownSheet
+    signal showLinkedSheetChanges
 
     readonly property alias list: cues
 
@@ -66,12 +67,24 @@ Rectangle {
         }
     }
 
+    LinkedSheetBanner {
+        id: linkedSheet
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: header.bottom
+        anchors.leftMargin: 10
+        anchors.rightMargin: 10
+        anchors.topMargin: visible ? 8 : 0
+        monitor: panel.consoleController.linkedSheet
+        onShowChanges: panel.showLinkedSheetChanges()
+    }
+
     ListView {
         id: cues
         objectName: "cueList"
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: header.bottom
+        anchors.top: linkedSheet.bottom
         anchors.bottom: footer.top
         anchors.margins: 10
         anchors.topMargin: 8

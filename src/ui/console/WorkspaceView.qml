@@ -56,6 +56,7 @@ Rectangle {
         onEditCue: index => root.editCue(index)
         onDeleteCue: index => deleteDialog.ask(index)
         onAddFromSpreadsheet: spreadsheetDialog.open()
+        onShowLinkedSheetChanges: linkedSheetChanges.open()
         onExportRundownSheet: {
             const proposal = root.consoleController.rundownSheetProposal();
             exportSheetDialog.currentFolder = proposal.toString().replace(/\/[^\/]*$/, "");
@@ -109,7 +110,7 @@ Rectangle {
 
     // A sheet or a confirmation is open over the console: the editing keys are its own.
     readonly property bool sheetOpen: deleteDialog.visible || cueEditor.visible || projectSheet.visible
-                                      || spreadsheetSheet.visible
+                                      || spreadsheetSheet.visible || linkedSheetChanges.visible
 
     DeleteCueDialog {
         id: deleteDialog
@@ -147,6 +148,12 @@ Rectangle {
         clock: root.clock
         forShow: true
         onAccepted: replace => root.consoleController.addCuesFromSpreadsheet(importer, replace)
+        onClosed: cueList.list.forceActiveFocus()
+    }
+
+    LinkedSheetChanges {
+        id: linkedSheetChanges
+        monitor: root.consoleController.linkedSheet
         onClosed: cueList.list.forceActiveFocus()
     }
 

@@ -12,11 +12,12 @@ ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &st
                                      AppFlowState &flow, ToastCenter &toasts,
                                      Clock &clock, Reveal reveal, QObject *parent)
     : QObject(parent), m_engine(engine), m_store(store), m_flow(flow), m_toasts(toasts),
-      m_clock(clock), m_reveal(std::move(reveal))
+      m_clock(clock), m_reveal(std::move(reveal)), m_linkedSheet(engine, flow, toasts, clock)
 {
     m_autosave = m_clock.createTimer([this] { autosave(); });
     connect(&m_engine, &TimerEngine::sessionChanged, this, &ConsoleController::showChanged);
     QQmlEngine::setObjectOwnership(&m_draft, QQmlEngine::CppOwnership);
+    QQmlEngine::setObjectOwnership(&m_linkedSheet, QQmlEngine::CppOwnership);
     connect(&m_flow, &AppFlowState::stageChanged, this, &ConsoleController::followFlow);
     followFlow();
 }
@@ -175,6 +176,10 @@ void ConsoleController::addCuesFromSpreadsheet(SpreadsheetImport *importer, bool
     if (imported.isEmpty())
         return;
     m_engine.replaceCues(replace ? imported : m_engine.session().cues + imported);
+    // A running order replaced by a sheet follows that sheet from now on; cues added from
+    // one stay the show's own.
+    if (replace)
+        m_engine.setLinkedSpreadsheet(importer->link());
     const QString count = imported.size() == 1 ? QStringLiteral("1 cue")
                                                : QStringLiteral("%1 cues").arg(imported.size());
     m_toasts.showSuccess(replace ? QStringLiteral("Conducteur remplacé : ") + count

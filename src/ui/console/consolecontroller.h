@@ -4,6 +4,7 @@
 #include "clock.h"
 #include "cuedraft.h"
 #include "diskworker.h"
+#include "linkedsheetmonitor.h"
 #include "sessionstore.h"
 #include "spreadsheetimport.h"
 #include "timerengine.h"
@@ -29,6 +30,8 @@ class ConsoleController : public QObject
 
     // The working copy the cue editor edits.
     Q_PROPERTY(CueDraft *cueDraft READ cueDraft CONSTANT FINAL)
+    // The spreadsheet the open show follows, and its banner when the file changes.
+    Q_PROPERTY(LinkedSheetMonitor *linkedSheet READ linkedSheet CONSTANT FINAL)
     // The time the doors popover proposes: the running countdown's target, else the next
     // quarter of an hour.
     Q_PROPERTY(int doorsHour READ doorsHour NOTIFY doorsProposalChanged FINAL)
@@ -47,6 +50,7 @@ public:
     ~ConsoleController() override;
 
     CueDraft *cueDraft() { return &m_draft; }
+    LinkedSheetMonitor *linkedSheet() { return &m_linkedSheet; }
     int doorsHour() const { return m_doorsHour; }
     int doorsMinute() const { return m_doorsMinute; }
 
@@ -132,6 +136,7 @@ private:
     bool m_autosaveAgain = false; // a change came while a save was being written
     bool m_autosaveFailing = false; // told once, until a save succeeds again
     CueDraft m_draft;
+    LinkedSheetMonitor m_linkedSheet;
     int m_doorsHour = 0;
     int m_doorsMinute = 0;
 };

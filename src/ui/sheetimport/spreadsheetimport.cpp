@@ -1,6 +1,7 @@
 #include "spreadsheetimport.h"
 
 #include "cuelistmodel.h"
+#include "linkedrundown.h"
 #include "localfile.h"
 #include "sheetfile.h"
 #include "timerengine.h"
@@ -100,11 +101,17 @@ QString SpreadsheetImport::projectName() const
     return QFileInfo(m_path).completeBaseName();
 }
 
+LinkedSpreadsheet SpreadsheetImport::link() const
+{
+    return LinkedRundown::linkFor(m_path, sheetName(), m_fieldByColumn);
+}
+
 QVariant SpreadsheetImport::newProject() const
 {
     TimerSession session(m_clock ? m_clock->clock().now() : QDateTime::currentDateTimeUtc());
     session.name = projectName();
     session.cues = cues();
+    session.linkedSpreadsheet = link();
     return QVariant::fromValue(session);
 }
 

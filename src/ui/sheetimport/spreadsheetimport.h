@@ -2,6 +2,7 @@
 
 #include "cue.h"
 #include "displayclock.h"
+#include "linkedspreadsheet.h"
 #include "rundownimport.h"
 #include "sheettable.h"
 
@@ -75,7 +76,9 @@ public:
     // The cues of the preview, and the name of a project made from the file.
     QList<Cue> cues() const { return m_preview.cues(); }
     QString projectName() const;
-    // A new show (a TimerSession) of these cues, named after the file, made now.
+    // The file as the show made of it follows it: its sheet and the columns' meanings chosen.
+    LinkedSpreadsheet link() const;
+    // A new show (a TimerSession) of these cues, named after the file, made now, linked to it.
     Q_INVOKABLE QVariant newProject() const;
 
     int rowCount(const QModelIndex &parent = {}) const override;

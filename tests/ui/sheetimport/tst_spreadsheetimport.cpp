@@ -108,14 +108,27 @@ private slots:
         f.resize(1150, 750);
 
         // The colour column read as nothing: the cues come without colours.
+        // Its menu opened with a click, "Ignorer" (the first entry) chosen with the arrows.
         const QVariantList columns = importer->columns();
-        int colourColumn = -1;
-        for (const QVariant &column : columns)
-            if (column.toMap().value(QStringLiteral("header")).toString() == QStringLiteral("Couleur"))
-                colourColumn = column.toMap().value(QStringLiteral("column")).toInt();
-        QCOMPARE(colourColumn, 6);
-        importer->chooseField(colourColumn, int(ImportField::Ignore));
+        int colourMenu = -1;
+        for (int i = 0; i < columns.size(); ++i)
+            if (columns[i].toMap().value(QStringLiteral("header")).toString() == QStringLiteral("Couleur"))
+                colourMenu = i;
+        QCOMPARE(columns.value(colourMenu).toMap().value(QStringLiteral("column")).toInt(), 6);
+        const QByteArray menuName = "importField" + QByteArray::number(colourMenu);
+        QQuickItem *menu = FileDialogs::shownItem(f.window()->contentItem(), QString::fromLatin1(menuName));
+        QVERIFY(menu);
+        QCOMPARE(menu->property("displayText").toString(), QStringLiteral("Couleur"));
+        click(f.window(), menuName.constData());
+        QTRY_VERIFY(menu->property("popup").value<QObject *>()->property("opened").toBool());
+        for (int i = 0; i < int(ImportField::Colour); ++i)
+            QTest::keyClick(f.window(), Qt::Key_Up);
+        QTest::keyClick(f.window(), Qt::Key_Return);
+        QTRY_COMPARE(importer->columns().value(colourMenu).toMap().value(QStringLiteral("field")).toInt(),
+                     int(ImportField::Ignore));
         QTRY_VERIFY(!importer->busy());
+        menu = FileDialogs::shownItem(f.window()->contentItem(), QString::fromLatin1(menuName));
+        QCOMPARE(menu->property("displayText").toString(), QStringLiteral("Ignorer"));
         QCOMPARE(importer->cueCount(), 13);
 
         click(f.window(), "importConfirm");
@@ -127,6 +140,9 @@ private slots:
         QCOMPARE(cues[0].duration, 1800.0);
         QCOMPARE(cues[0].colorHex, std::nullopt);
         QCOMPARE(f.app.store.listProjects().size(), 1);
+        // The project follows the file, on its sheet, with the colour column left out.
+        QCOMPARE(f.app.engine.session().linkedSpreadsheet,
+                 std::optional(LinkedSpreadsheet{file, QStringLiteral("Conducteur"), {{"G", "ignore"}}}));
     }
 
     void aWorkbookOfAnotherKindIsExplained()
@@ -179,6 +195,7 @@ private slots:
         click(c.operatorWindow, "importConfirm");
         QTRY_COMPARE(names(), (QStringList{"Ouverture", "Clôture", "Accueil", "Discours", "Salut final"}));
         QCOMPARE(c.toasts.text(), QStringLiteral("3 cues ajoutés"));
+        QVERIFY(!c.engine.session().linkedSpreadsheet); // added cues do not tie the show to the file
         c.engine.undo();
         QCOMPARE(names(), (QStringList{"Ouverture", "Clôture"}));
 
@@ -197,6 +214,8 @@ private slots:
         click(c.operatorWindow, "importConfirm");
         QTRY_COMPARE(names(), (QStringList{"Accueil", "Discours", "Salut final"}));
         QCOMPARE(c.toasts.text(), QStringLiteral("Conducteur remplacé : 3 cues"));
+        QCOMPARE(c.engine.session().linkedSpreadsheet,
+                 std::optional(LinkedSpreadsheet{file, QStringLiteral("conducteur"), {}}));
         c.engine.undo();
         QCOMPARE(names(), (QStringList{"Ouverture", "Clôture"}));
 
