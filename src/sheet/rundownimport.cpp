@@ -104,7 +104,9 @@ private:
 
 ImportRow RowReader::read(int line, const ImportContext &context, int cueNumber)
 {
-    ImportRow result{line, std::nullopt, {}};
+    ImportRow result{line, text(ImportField::Name), std::nullopt, {}};
+    for (qsizetype i = 0; i < m_row.size() && result.label.isEmpty(); ++i)
+        result.label = SheetValues::displayText(m_row[i]).trimmed();
     const SheetCell &name = cell(ImportField::Name);
     if (isTotalRow(m_row, name)) {
         result.problem = QStringLiteral("Ligne de total");

@@ -15,6 +15,7 @@
 // One row of the sheet below the header and what it gives.
 struct ImportRow {
     int line = 0;           // the sheet's line number, 1-based
+    QString label;          // its name, or else its first text (a title's, a total's)
     std::optional<Cue> cue; // the cue it becomes; none when the row is left out
     QString problem;        // why it is left out, or what of it was not taken; empty if none
     bool notACue = false;   // left out as a total or a section title: no problem of the sheet

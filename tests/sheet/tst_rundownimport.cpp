@@ -272,6 +272,12 @@ private slots:
                               "Durée manquante", "Ligne de total", "Ligne de total",
                               "Ligne de total", "", "Durée illisible : " + quoted("-2")}));
         QCOMPARE(lines(preview), (QList<int>{2, 3, 4, 5, 6, 7, 8, 9}));
+        // Each row left out is named for the preview: its name, else its first text.
+        QStringList labels;
+        for (const ImportRow &row : preview.rows)
+            labels << row.label;
+        QCOMPARE(labels, (QStringList{"Hommage", "Pause", "Sans durée", "Total des cues", "TOTAL",
+                                      "Total :", "Totalement improvisé", "Négatif"}));
         compareCues(preview.cues(), {cueOf("Totalement improvisé", 300)});
         QCOMPARE(preview.rows[0].problem.toUtf8(),
                  QByteArray("Dur\xC3\xA9" "e illisible : \xC2\xAB " "env. 10 min"

@@ -57,7 +57,8 @@ void LinkedSheetMonitor::follow()
     m_watcher.addPath(QFileInfo(m_path).absolutePath());
     if (QFileInfo::exists(m_path))
         m_watcher.addPath(m_path);
-    m_stamp = stampOf();
+    // Read once as the show opens: the producer may have saved it since the show was closed.
+    m_settle->start(settleMs);
 }
 
 LinkedSheetMonitor::Stamp LinkedSheetMonitor::stampOf() const

@@ -16,10 +16,10 @@
 #include <memory>
 #include <QtQml/qqmlregistration.h>
 
-// Watches the spreadsheet the open show was imported from. When the file changes on disk
-// (saved in place, or written aside and renamed over it as most programs save), it is read
-// again off the main thread and laid over the show: a difference raises the console's quiet
-// banner, "Le conducteur a changé : 2 cues modifiés, 1 ajouté", whose "Voir" lists the changes
+// Watches the spreadsheet the open show was imported from. As the show opens, and whenever the
+// file changes on disk (saved in place, or written aside and renamed over it as most programs
+// save), it is read again off the main thread and laid over the show: a difference raises the
+// console's quiet banner, "Le conducteur a changé : 2 cues modifiés, 1 ajouté", whose "Voir" lists the changes
 // (this model's rows) and whose "Mettre à jour" takes them in one undo step. Nothing changes
 // by itself, and the running cue's clock is never touched.
 //
@@ -93,7 +93,7 @@ private:
     Clock &m_clock;
     QString m_path; // the watched file; empty when the open show has no link
     QString m_readPath; // the file the running job reads
-    Stamp m_stamp;  // the file as last read, or as found when the show opened
+    Stamp m_stamp;  // the file as last read
     QFileSystemWatcher m_watcher;
     std::unique_ptr<ClockTimer> m_settle;
     QFutureWatcher<Reading> m_job;

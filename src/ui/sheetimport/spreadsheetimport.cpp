@@ -173,7 +173,7 @@ QVariant SpreadsheetImport::data(const QModelIndex &index, int role) const
     const std::optional<Cue> &cue = row.cue;
     switch (role) {
     case LineRole: return row.line;
-    case NameRole: return cue ? cue->name : QString();
+    case NameRole: return cue ? cue->name : row.label;
     case SpeakerRole: return cue ? cue->speaker : QString();
     case DurationTextRole: return cue ? TimerEngine::format(cue->duration, false) : QString();
     case EndTextRole: return cue ? CueListModel::endText(*cue) : QString();

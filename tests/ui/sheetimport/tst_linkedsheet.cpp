@@ -43,6 +43,15 @@ private:
     const QList<std::pair<const char *, const char *>> planned{
         {"Accueil", "10:00"}, {"Discours", "15:00"}, {"Table ronde", "30:00"}};
 
+    // Waits for the next reading of the file to be over.
+    static bool readAgain(Console &c)
+    {
+        QSignalSpy read(c.console.linkedSheet(), &LinkedSheetMonitor::fileRead);
+        return QTest::qWaitFor([&] {
+            c.clock.advance(100ms);
+            return read.count() > 0;
+        }, 10'000);
+    }
     // The console on a show imported from `path`, as the import leaves it.
     static void link(Console &c, const QString &path)
     {
@@ -52,6 +61,8 @@ private:
         QCOMPARE(reading.error, QString());
         c.engine.replaceCues(reading.cues);
         c.engine.setLinkedSpreadsheet(link);
+        QVERIFY(readAgain(c)); // as the show opens: the same cues, nothing to say
+        QVERIFY(!c.console.linkedSheet()->shown());
     }
     // The banner once shown: the clock moved on a tenth of a second at a time while the file
     // settles and is read.
@@ -60,15 +71,6 @@ private:
         return QTest::qWaitFor([&c] {
             c.clock.advance(100ms);
             return c.console.linkedSheet()->shown() && c.shown("linkedSheetText");
-        }, 10'000);
-    }
-    // Waits for the next reading of the file to be over.
-    static bool readAgain(Console &c)
-    {
-        QSignalSpy read(c.console.linkedSheet(), &LinkedSheetMonitor::fileRead);
-        return QTest::qWaitFor([&] {
-            c.clock.advance(100ms);
-            return read.count() > 0;
         }, 10'000);
     }
     static QStringList names(const Console &c)
@@ -247,6 +249,22 @@ private slots:
         saveAside(path, csv(planned));
         QVERIFY(readAgain(c));
         QVERIFY(!c.console.linkedSheet()->shown());
+    }
+
+    void aSheetSavedWhileTheShowWasClosedIsToldAsItOpens()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("conducteur.csv"));
+        saveAside(path, csv(planned));
+        Console c({});
+        link(c, path);
+        c.flow.setStage(AppFlowState::Sessions);
+        saveAside(path, csv({{"Accueil", "10:00"}, {"Discours", "15:00"}, {"Table ronde", "30:00"},
+                             {"Cocktail", "45:00"}}));
+        QCOMPARE(c.console.linkedSheet()->fileName(), QString()); // closed: nobody watches
+        c.flow.setStage(AppFlowState::Workspace);
+        QVERIFY(bannerShown(c));
+        QCOMPARE(c.text("linkedSheetText"), QStringLiteral("Le conducteur a changé : 1 cue ajouté"));
     }
 
     void aShowWithoutALinkWatchesNothing()

@@ -100,6 +100,12 @@ private slots:
         QCOMPARE(rowAt(importer, 12), std::pair(QStringLiteral("Ligne de titre"), false));
         QCOMPARE(rowAt(importer, 21), std::pair(QStringLiteral("Ligne de total"), false));
         QCOMPARE(rowAt(importer, 5), std::pair(QString(), true));
+        // A row left out is named all the same, dimmed.
+        QCOMPARE(importer->data(importer->index(5), SpreadsheetImport::LineRole).toInt(), 10);
+        QCOMPARE(importer->data(importer->index(5), SpreadsheetImport::NameRole).toString(),
+                 QStringLiteral("Hommage aux bénévoles"));
+        QCOMPARE(importer->data(importer->index(7), SpreadsheetImport::NameRole).toString(),
+                 QStringLiteral("Deuxième partie"));
         QVERIFY(f.app.store.listProjects().isEmpty()); // nothing before "Importer"
         for (const QSize size : {QSize(1150, 750), QSize(1920, 1080), QSize(3840, 2160)}) {
             f.resize(size.width(), size.height());
