@@ -252,6 +252,10 @@ LinkedSpreadsheet readLink(const QJsonObject &object)
         if (!it->isString())
             throw DecodeFailure{QStringLiteral("la colonne « %1 »%2 devrait être un texte")
                                     .arg(it.key(), where)};
+        // As for every text: half of a UTF-16 pair alone could only be saved altered.
+        if (!it.key().isValidUtf16() || !it->toString().isValidUtf16())
+            throw DecodeFailure{QStringLiteral("une colonne%1 contient un caractère Unicode invalide")
+                                    .arg(where)};
         link.columns.insert(it.key(), it->toString());
     }
     return link;

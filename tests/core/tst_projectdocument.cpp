@@ -354,6 +354,12 @@ private slots:
         QTest::newRow("linked spreadsheet column as number")
             << QByteArray(R"({"linkedSpreadsheet": {"path": "/tmp/c.csv", "columns": {"D": 3}}})")
             << "la colonne « D » du tableur lié devrait être un texte";
+        QTest::newRow("linked spreadsheet column with half a UTF-16 pair")
+            << QByteArray(R"({"linkedSpreadsheet": {"path": "/tmp/c.csv", "columns": {"AB": "\udc00notes"}}})")
+            << "une colonne du tableur lié contient un caractère Unicode invalide";
+        QTest::newRow("linked spreadsheet column letter with half a UTF-16 pair")
+            << QByteArray(R"({"linkedSpreadsheet": {"path": "/tmp/c.csv", "columns": {"\ud800": "notes"}}})")
+            << "une colonne du tableur lié contient un caractère Unicode invalide";
         QTest::newRow("not json") << QByteArray("{\"name\": \"Gala\",,}")
                                   << "le contenu n'est pas du JSON valide (octet 17)";
         QTest::newRow("array document")
