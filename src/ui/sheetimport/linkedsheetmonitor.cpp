@@ -112,7 +112,6 @@ void LinkedSheetMonitor::onRead()
     if (m_path.isEmpty() || m_readPath != m_path)
         return; // another show, or none, since the read began
     m_read = m_job.result();
-    m_shown = true;
     compare();
     emit fileRead();
 }
