@@ -16,6 +16,7 @@ struct Cue {
     TimerMode mode = TimerMode::Duration;
     double duration = 600; // planned length; also the length of a hard-out cue without an end time
     std::optional<QDateTime> hardOutTime; // only its hour and minute in the user's calendar count
+    std::optional<QDateTime> fixedStart;  // a planned start of its own: only its hour and minute count
     double warningThreshold = 120; // remaining time at or below which the cue is in the warning zone
     double dangerThreshold = 30;   // remaining time at or below which the cue is in the danger zone
     bool autoFollow = false;

@@ -54,6 +54,7 @@ QJsonObject encode(const Cue &cue)
         {QLatin1StringView("notes"), cue.notes},
     };
     insertIfPresent(o, QLatin1StringView("hardOutTime"), cue.hardOutTime, date);
+    insertIfPresent(o, QLatin1StringView("fixedStart"), cue.fixedStart, date);
     insertIfPresent(o, QLatin1StringView("colorHex"), cue.colorHex, text);
     insertIfPresent(o, QLatin1StringView("actualElapsed"), cue.actualElapsed, number);
     insertIfPresent(o, QLatin1StringView("overtime"), cue.overtime, number);
@@ -78,6 +79,7 @@ QJsonObject encode(const TimerSession &session)
     insertIfPresent(o, QLatin1StringView("eventDate"), session.eventDate, date);
     insertIfPresent(o, QLatin1StringView("notes"), session.notes, text);
     insertIfPresent(o, QLatin1StringView("linkedSpreadsheet"), session.linkedSpreadsheet, link);
+    insertIfPresent(o, QLatin1StringView("scheduledStart"), session.scheduledStart, date);
     return o;
 }
 
@@ -230,6 +232,7 @@ Cue readCue(const QJsonObject &object, const QString &where)
     cue.mode = r.mode(QLatin1StringView("mode")).value_or(TimerMode::Duration);
     cue.duration = r.seconds(QLatin1StringView("duration")).value_or(600);
     cue.hardOutTime = r.date(QLatin1StringView("hardOutTime"));
+    cue.fixedStart = r.date(QLatin1StringView("fixedStart"));
     cue.warningThreshold = r.seconds(QLatin1StringView("warningThreshold")).value_or(120);
     cue.dangerThreshold = r.seconds(QLatin1StringView("dangerThreshold")).value_or(30);
     cue.autoFollow = r.boolean(QLatin1StringView("autoFollow")).value_or(false);
@@ -282,6 +285,7 @@ TimerSession readSession(const QJsonObject &object, const QDateTime &now)
     session.operatorName = r.text(QLatin1StringView("operatorName"));
     session.eventDate = r.date(QLatin1StringView("eventDate"));
     session.notes = r.text(QLatin1StringView("notes"));
+    session.scheduledStart = r.date(QLatin1StringView("scheduledStart"));
     if (const auto link = r.object(QLatin1StringView("linkedSpreadsheet")))
         session.linkedSpreadsheet = readLink(*link);
     return session;

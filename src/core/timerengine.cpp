@@ -60,6 +60,25 @@ const Cue *TimerEngine::activeCuePtr() const
     return m_activeCueIndex ? &m_session.cues[*m_activeCueIndex] : nullptr;
 }
 
+ShowPosition TimerEngine::showPosition() const
+{
+    ShowPosition position;
+    if (m_isRunning && m_activeCueIndex) {
+        position.activeIndex = m_activeCueIndex;
+        position.activeStartedAt = m_cueStartedAt;
+        return position;
+    }
+    if (m_lastLeftCueID) {
+        const auto it = std::find_if(m_session.cues.cbegin(), m_session.cues.cend(),
+                                     [this](const Cue &c) { return c.id == *m_lastLeftCueID; });
+        if (it != m_session.cues.cend()) {
+            position.lastEndedIndex = int(it - m_session.cues.cbegin());
+            position.lastEndedAt = m_lastLeftAt;
+        }
+    }
+    return position;
+}
+
 std::optional<int> TimerEngine::baseIndex() const
 {
     return m_activeCueIndex ? m_activeCueIndex : m_selectedCueIndex;

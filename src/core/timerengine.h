@@ -7,6 +7,7 @@
 #include "cuetemplate.h"
 #include "livestate.h"
 #include "presetmessage.h"
+#include "showschedule.h"
 #include "timersession.h"
 #include "timerstatesnapshot.h"
 
@@ -114,6 +115,9 @@ public:
         return m_loggedOvertime + (m_isRunning && m_remaining < 0 ? -m_remaining : 0.0);
     }
     double remainingDayDuration() const;
+    // Where the show stands for its timetable: the cue running or paused and when it was
+    // started (or last reset), else the last cue left and when.
+    ShowPosition showPosition() const;
     QDateTime projectedDayEnd() const;
     std::optional<QString> currentMessage() const { return m_currentMessage; }
     bool messageUrgent() const { return m_messageUrgent; }
@@ -343,6 +347,9 @@ private:
     std::optional<qint64> m_pauseStartedUs; // monotonic, µs
     std::optional<qint64> m_hardOutTargetMs; // wall clock, ms since the epoch
     double m_loggedOvertime = 0;
+    QDateTime m_cueStartedAt;               // wall clock: when the active cue was last started or reset
+    std::optional<QUuid> m_lastLeftCueID;   // the cue last left, and when
+    QDateTime m_lastLeftAt;
     int m_batchDepth = 0;      // operations running, nested
     quint32 m_pendingSignals = 0; // one bit per signal, in the order they are emitted
     bool m_pendingHook = false;

@@ -47,6 +47,7 @@ void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monoton
         m_plannedDuration = cue.duration;
     }
     m_cueStartUs = monotonicUs;
+    m_cueStartedAt = now;
     m_pausedAccumUs = 0;
     m_pauseStartedUs.reset();
     m_elapsed = 0;

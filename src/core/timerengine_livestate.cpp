@@ -64,6 +64,9 @@ void TimerEngine::resumeLiveState(const LiveState &s)
     if (running) {
         // The cue ran on in wall-clock time while the program was gone; a paused one stood.
         const double elapsed = s.elapsedAt(wallMs);
+        // When it began, for the timetable: its running time back from now (its pauses before
+        // the program went are not known, and count as not taken).
+        m_cueStartedAt = m_clock.now().addMSecs(-std::llround(elapsed * 1000));
         if (s.paused) {
             m_pauseStartedUs = monotonicUs - (wallMs - s.pausedSinceMs.value_or(wallMs)) * 1000;
             m_cueStartUs = *m_pauseStartedUs - std::llround(elapsed * 1e6);

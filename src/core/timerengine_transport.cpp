@@ -134,6 +134,8 @@ void TimerEngine::logCue(const Cue &cue, std::optional<int> writeBackIndex)
     const double overtime = m_remaining < 0 ? -m_remaining : 0.0;
     m_loggedOvertime += overtime;
     m_completedCueLog.append(CueLogEntry{cue.name, m_plannedDuration, m_elapsed, overtime});
+    m_lastLeftCueID = cue.id;
+    m_lastLeftAt = m_clock.now();
     notify(&TimerEngine::completedCueLogChanged);
     notify(&TimerEngine::clockChanged);
     if (writeBackIndex) {
@@ -186,6 +188,7 @@ void TimerEngine::returnToIdle()
 void TimerEngine::clearLiveState()
 {
     m_activeCueID.reset();
+    m_lastLeftCueID.reset();
     m_remaining = m_elapsed = m_plannedDuration = 0;
     m_currentMessage.reset();
     m_messageUrgent = m_blackout = m_freeze = m_clockMode = m_blinkActive = false;

@@ -25,6 +25,7 @@ struct TimerSession {
     std::optional<QDateTime> eventDate;
     std::optional<QString> notes;
     std::optional<LinkedSpreadsheet> linkedSpreadsheet; // when imported from a spreadsheet
+    std::optional<QDateTime> scheduledStart; // the show's planned start, for its timetable
 
     TimerSession() = default;
     // A freshly made show created at `now`.

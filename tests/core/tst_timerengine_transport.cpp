@@ -27,6 +27,48 @@ class TestTimerEngineTransport : public QObject
     Q_OBJECT
 
 private slots:
+    // What the timetable reads of the show: the cue on air and when it began, else the cue last
+    // left and when, found by its identity through edits of the list.
+    void theShowPositionFollowsTheCuesRun()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Accueil", 60), durationCue("Keynote", 600),
+                                     durationCue("Clôture", 300)}));
+        const QDateTime t0 = f.clock.now();
+        QVERIFY(!f.engine.showPosition().activeIndex && !f.engine.showPosition().lastEndedIndex);
+
+        f.engine.start(1);
+        f.clock.advance(20s);
+        f.engine.pause(); // a pause keeps the start: the time paused counts as spent
+        f.clock.advance(10s);
+        QCOMPARE(f.engine.showPosition().activeIndex, std::optional(1));
+        QCOMPARE(f.engine.showPosition().activeStartedAt, t0);
+        f.engine.pause();
+        f.engine.adjust(60); // an adjustment neither
+        QCOMPARE(f.engine.showPosition().activeStartedAt, t0);
+        f.engine.reset(); // a reset starts the cue over
+        QCOMPARE(f.engine.showPosition().activeStartedAt, t0.addSecs(30));
+
+        f.clock.advance(15s);
+        f.engine.stop();
+        ShowPosition position = f.engine.showPosition();
+        QCOMPARE(position.activeIndex, std::nullopt);
+        QCOMPARE(position.lastEndedIndex, std::optional(1));
+        QCOMPARE(position.lastEndedAt, t0.addSecs(45));
+
+        f.engine.moveCue(1, -1); // the cue left is now first
+        QCOMPARE(f.engine.showPosition().lastEndedIndex, std::optional(0));
+        f.engine.deleteCue(0);
+        QCOMPARE(f.engine.showPosition().lastEndedIndex, std::nullopt);
+
+        f.engine.start(0);
+        f.engine.next();
+        QCOMPARE(f.engine.showPosition().activeIndex, std::optional(1));
+        f.engine.returnToIdle();
+        position = f.engine.showPosition();
+        QVERIFY(!position.activeIndex && !position.lastEndedIndex);
+    }
+
     void startsWithAnEmptyShowNamedSession()
     {
         EngineFixture f;
