@@ -120,6 +120,9 @@ ScheduleStatus status(const ShowPlan &plan, const QList<Cue> &cues, const ShowPo
 
 QString offsetText(double offsetSeconds)
 {
+    // To the nearest second: the console reads it at the clock's ticks, which may fall a hair
+    // before the second they show.
+    offsetSeconds = std::round(offsetSeconds);
     if (std::fabs(offsetSeconds) < onTimeSeconds)
         return QStringLiteral("À l'heure");
     if (offsetSeconds > 0)

@@ -75,7 +75,10 @@ QString offsetText(double offsetSeconds);
 // d'avance", "Programme : à l'heure".
 QString speakerText(double offsetSeconds);
 
-// Seconds within which the show is on time.
+// Seconds within which the show is on time, and from which its lateness is a warning, then a
+// danger.
 constexpr double onTimeSeconds = 30;
+constexpr double lateWarningSeconds = 120;
+constexpr double lateDangerSeconds = 300;
 
 } // namespace ShowSchedule

@@ -79,6 +79,14 @@ ShowPosition TimerEngine::showPosition() const
     return position;
 }
 
+std::optional<ScheduleStatus> TimerEngine::scheduleStatus() const
+{
+    const std::optional<ShowPlan> plan = ShowSchedule::plan(m_session, m_clock.timeZone());
+    if (!plan)
+        return std::nullopt;
+    return ShowSchedule::status(*plan, m_session.cues, showPosition(), m_clock.now(), m_clock.timeZone());
+}
+
 std::optional<int> TimerEngine::baseIndex() const
 {
     return m_activeCueIndex ? m_activeCueIndex : m_selectedCueIndex;

@@ -118,6 +118,8 @@ public:
     // Where the show stands for its timetable: the cue running or paused and when it was
     // started (or last reset), else the last cue left and when.
     ShowPosition showPosition() const;
+    // The show against its timetable now; none while it has no planned start.
+    std::optional<ScheduleStatus> scheduleStatus() const;
     QDateTime projectedDayEnd() const;
     std::optional<QString> currentMessage() const { return m_currentMessage; }
     bool messageUrgent() const { return m_messageUrgent; }
@@ -175,8 +177,8 @@ public:
     // cue, no message, blackout, freeze, clock mode, blink or doors. The show itself, its log
     // and its undo steps are kept.
     void returnToIdle();
-    // Takes the project data of `edited` (name, client, venue, operator, event date, notes):
-    // the running order and the clock are left as they are.
+    // Takes the project data of `edited` (name, client, venue, operator, event date, notes, the
+    // show's planned start): the running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
     // The spreadsheet the running order follows from now on, or none. Not an undo step: undoing
     // an import brings back the cues, the link to the file stays as last chosen.

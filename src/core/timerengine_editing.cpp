@@ -172,6 +172,7 @@ void TimerEngine::updateProjectInfo(const TimerSession &edited)
     m_session.operatorName = edited.operatorName;
     m_session.eventDate = edited.eventDate;
     m_session.notes = edited.notes;
+    m_session.scheduledStart = edited.scheduledStart;
     m_session.updatedAt = edited.updatedAt;
     notify(&TimerEngine::sessionChanged);
 }

@@ -193,8 +193,9 @@ private slots:
     {
         QCOMPARE(ShowSchedule::offsetText(252), QStringLiteral("Retard : +04:12"));
         QCOMPARE(ShowSchedule::offsetText(-90), QStringLiteral("Avance : \u221201:30"));
-        QCOMPARE(ShowSchedule::offsetText(29.9), QStringLiteral("À l'heure"));
-        QCOMPARE(ShowSchedule::offsetText(-29.9), QStringLiteral("À l'heure"));
+        QCOMPARE(ShowSchedule::offsetText(29.4), QStringLiteral("À l'heure"));
+        QCOMPARE(ShowSchedule::offsetText(-29.4), QStringLiteral("À l'heure"));
+        QCOMPARE(ShowSchedule::offsetText(149.999), QStringLiteral("Retard : +02:30"));
         QCOMPARE(ShowSchedule::offsetText(30), QStringLiteral("Retard : +00:30"));
         QCOMPARE(ShowSchedule::offsetText(3725), QStringLiteral("Retard : +1:02:05"));
         QCOMPARE(ShowSchedule::speakerText(240), QStringLiteral("Programme : +4 min de retard"));

@@ -51,6 +51,14 @@ PanelBackground {
             Detail { id: elapsed; objectName: "consoleElapsed"; text: timer.presenter.elapsedText; color: AppTheme.textSecondary }
             Detail { id: dayEnd; objectName: "consoleDayEnd"; text: timer.presenter.dayEndText; color: AppTheme.accent }
             Detail {
+                id: schedule
+                objectName: "consoleSchedule"
+                visible: text !== ""
+                text: timer.presenter.scheduleText
+                color: timer.presenter.scheduleColor
+                font.weight: Font.DemiBold
+            }
+            Detail {
                 id: drift
                 objectName: "consoleDrift"
                 visible: text !== ""
@@ -62,7 +70,8 @@ PanelBackground {
                 objectName: "consoleNext"
                 visible: text !== ""
                 width: Math.min(implicitWidth, column.width - elapsed.width - dayEnd.width
-                                - (drift.visible ? drift.width + details.spacing : 0) - 2 * details.spacing)
+                                - (drift.visible ? drift.width + details.spacing : 0)
+                                - (schedule.visible ? schedule.width + details.spacing : 0) - 2 * details.spacing)
                 text: timer.presenter.nextText
                 color: AppTheme.textMuted
                 font.family: AppTheme.textFont

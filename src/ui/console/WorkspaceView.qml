@@ -23,6 +23,7 @@ Rectangle {
         id: presenter
         objectName: "consolePresenter"
         engine: root.engine
+        clock: root.clock
     }
 
     ConsoleTopBar {

@@ -5,6 +5,8 @@
 #include "formatters.h"
 #include "theme.h"
 
+#include <cmath>
+
 ConsolePresenter::ConsolePresenter(QObject *parent) : QObject(parent)
 {
     m_frame = compute();
@@ -26,6 +28,19 @@ void ConsolePresenter::setEngine(TimerEngine *engine)
     refresh();
     emit listsChanged();
     emit engineChanged();
+}
+
+void ConsolePresenter::setClock(DisplayClock *clock)
+{
+    if (m_clock == clock)
+        return;
+    if (m_clock)
+        disconnect(m_clock, nullptr, this, nullptr);
+    m_clock = clock;
+    if (m_clock)
+        connect(m_clock, &DisplayClock::secondChanged, this, &ConsolePresenter::refresh);
+    refresh();
+    emit clockChanged();
 }
 
 void ConsolePresenter::refresh()
@@ -57,6 +72,14 @@ ConsolePresenter::Frame ConsolePresenter::compute() const
     if (overtimeShows)
         f.driftText = QStringLiteral("(+") + TimerEngine::format(overtime, false)
                       + QStringLiteral(" de drift)");
+    if (const std::optional<ScheduleStatus> schedule = e ? e->scheduleStatus() : std::nullopt) {
+        const double offset = std::round(schedule->offsetSeconds); // as the text shows it
+        f.scheduleText = ShowSchedule::offsetText(offset);
+        f.scheduleColor = toQColor(offset >= ShowSchedule::lateDangerSeconds    ? AppTheme::stateDanger
+                                   : offset >= ShowSchedule::lateWarningSeconds ? AppTheme::stateWarning
+                                   : offset <= -ShowSchedule::onTimeSeconds     ? AppTheme::success
+                                                                                : AppTheme::textSecondary);
+    }
     const std::optional<Cue> next = e ? e->nextCue() : std::nullopt;
     if (next)
         f.nextText = QStringLiteral("Suivant : ") + next->name;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "displayclock.h"
 #include "timerengine.h"
 
 #include <QColor>
@@ -17,6 +18,8 @@ class ConsolePresenter : public QObject
     QML_ELEMENT
 
     Q_PROPERTY(TimerEngine *engine READ engine WRITE setEngine NOTIFY engineChanged FINAL)
+    // Its seconds move the schedule line while no cue runs (the engine then does not tick).
+    Q_PROPERTY(DisplayClock *clock READ clock WRITE setClock NOTIFY clockChanged FINAL)
 
     Q_PROPERTY(bool hasCue READ hasCue NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString cueTitle READ cueTitle NOTIFY frameChanged FINAL) // or "Aucun cue actif"
@@ -25,6 +28,9 @@ class ConsolePresenter : public QObject
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString dayEndText READ dayEndText NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString driftText READ driftText NOTIFY frameChanged FINAL) // empty: no drift
+    // "Retard : +04:12", "Avance : −01:30", "À l'heure"; empty while the show has no start time.
+    Q_PROPERTY(QString scheduleText READ scheduleText NOTIFY frameChanged FINAL)
+    Q_PROPERTY(QColor scheduleColor READ scheduleColor NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString nextText READ nextText NOTIFY frameChanged FINAL)   // empty: last cue
     Q_PROPERTY(QString playSymbol READ playSymbol NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString doorsLabel READ doorsLabel NOTIFY frameChanged FINAL)
@@ -43,6 +49,8 @@ public:
 
     TimerEngine *engine() const { return m_engine; }
     void setEngine(TimerEngine *engine);
+    DisplayClock *clock() const { return m_clock; }
+    void setClock(DisplayClock *clock);
 
     bool hasCue() const { return m_frame.hasCue; }
     QString cueTitle() const { return m_frame.cueTitle; }
@@ -51,6 +59,8 @@ public:
     QString elapsedText() const { return m_frame.elapsedText; }
     QString dayEndText() const { return m_frame.dayEndText; }
     QString driftText() const { return m_frame.driftText; }
+    QString scheduleText() const { return m_frame.scheduleText; }
+    QColor scheduleColor() const { return m_frame.scheduleColor; }
     QString nextText() const { return m_frame.nextText; }
     QString playSymbol() const { return m_frame.playSymbol; }
     QString doorsLabel() const { return m_frame.doorsLabel; }
@@ -65,6 +75,7 @@ public:
 
 signals:
     void engineChanged();
+    void clockChanged();
     void frameChanged();
     void listsChanged();
 
@@ -77,6 +88,8 @@ private:
         QString elapsedText;
         QString dayEndText;
         QString driftText;
+        QString scheduleText;
+        QColor scheduleColor;
         QString nextText;
         QString playSymbol;
         QString doorsLabel;
@@ -94,5 +107,6 @@ private:
     Frame compute() const;
 
     QPointer<TimerEngine> m_engine;
+    QPointer<DisplayClock> m_clock;
     Frame m_frame;
 };

@@ -12,6 +12,9 @@ namespace {
 const QColor panel(26, 26, 30);
 const QColor secondary(184, 184, 192);
 const QColor overtimeRed(255, 59, 48);
+const QColor warningYellow(241, 196, 15);
+const QColor dangerRed(231, 76, 60);
+const QColor successGreen(46, 204, 113);
 
 QList<Cue> gala(int count)
 {
@@ -74,6 +77,43 @@ private slots:
         QVERIFY(c.item("consoleDrift")->isVisible());
         KAIRON_COMPARE_COLOUR(c.colourOf("totalOvertime", c.shot(), panel), overtimeRed);
         keepScreenshot(c.shot(), "console-overtime-1s");
+    }
+
+    // Beside "Fin journée", how the show runs against its planned start: nothing without one,
+    // "À l'heure" within 30 s, late in yellow from 2 min and red from 5, early in green.
+    void theConsoleSaysWhetherTheShowIsLate()
+    {
+        const QColor &bg = panel; // the timer's panel
+        Console c({durationCue("Accueil", 600), durationCue("Discours", 900), durationCue("Clôture", 300)});
+        QVERIFY(!c.item("consoleSchedule")->isVisible());
+
+        TimerSession planned = c.engine.session();
+        planned.scheduledStart = c.clock.now().addSecs(60); // 14:01
+        c.engine.updateProjectInfo(planned);
+        QTRY_COMPARE(c.text("consoleSchedule"), QStringLiteral("À l'heure"));
+        QVERIFY(c.item("consoleSchedule")->isVisible());
+        KAIRON_COMPARE_COLOUR(c.colourOf("consoleSchedule", c.shot(), bg), secondary);
+
+        // Started a minute early: green.
+        c.engine.start(0);
+        QTRY_COMPARE(c.text("consoleSchedule"), QStringLiteral("Avance : \u221201:00"));
+        KAIRON_COMPARE_COLOUR(c.colourOf("consoleSchedule", c.shot(), bg), successGreen);
+        keepScreenshot(c.shot(), "console-schedule-early");
+
+        // Accueil runs to 14:13:30, three and a half minutes past its planned end (14:11): yellow.
+        c.clock.advance(13min + 30s);
+        QTRY_COMPARE(c.text("consoleSchedule"), QStringLiteral("Retard : +02:30"));
+        KAIRON_COMPARE_COLOUR(c.colourOf("consoleSchedule", c.shot(), bg), warningYellow);
+        keepScreenshot(c.shot(), "console-schedule-late");
+
+        // Left at 14:16: five minutes late, red, and so it stays while the operator waits.
+        c.clock.advance(2min + 30s);
+        c.engine.stop();
+        QTRY_COMPARE(c.text("consoleSchedule"), QStringLiteral("Retard : +05:00"));
+        KAIRON_COMPARE_COLOUR(c.colourOf("consoleSchedule", c.shot(), bg), dangerRed);
+        keepScreenshot(c.shot(), "console-schedule-very-late");
+        c.clock.advance(1min);
+        QTRY_COMPARE(c.text("consoleSchedule"), QStringLiteral("Retard : +06:00"));
     }
 
     void theListGrowsWithTheWindow_data()
