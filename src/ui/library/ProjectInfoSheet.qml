@@ -129,6 +129,11 @@ Popup {
             form: sheetForm
         }
 
+        ShowStartField {
+            width: parent.width
+            form: sheetForm
+        }
+
         SheetCheckBox {
             objectName: "sheetStarterCue"
             visible: !sheetForm.editing

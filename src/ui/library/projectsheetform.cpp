@@ -74,6 +74,24 @@ void ProjectSheetForm::setWithStarterCue(bool on)
         return;
     m_withStarterCue = on;
     emit withStarterCueChanged();
+    emit showStartChanged();
+}
+
+void ProjectSheetForm::setHasShowStart(bool on)
+{
+    if (m_hasShowStart == on)
+        return;
+    m_hasShowStart = on;
+    emit showStartChanged();
+}
+
+void ProjectSheetForm::setShowStart(int hour, int minute)
+{
+    const QTime time(hour, minute);
+    if (!time.isValid() || time == m_showStart)
+        return;
+    m_showStart = time;
+    emit showStartChanged();
 }
 
 QDateTime ProjectSheetForm::now() const
@@ -123,6 +141,9 @@ void ProjectSheetForm::fill(const std::optional<TimerSession> &existing)
     m_hasEventDate = !existing || existing->eventDate.has_value();
     m_eventDate = existing && existing->eventDate ? *existing->eventDate : now();
     m_withStarterCue = true;
+    m_hasShowStart = existing && existing->scheduledStart;
+    m_showStart = m_hasShowStart ? existing->scheduledStart->toTimeZone(Fmt::timeZone()).time() : QTime(20, 0);
+    m_showStart = QTime(m_showStart.hour(), m_showStart.minute());
     emit started();
     emit nameChanged();
     emit textsChanged();
@@ -156,6 +177,9 @@ TimerSession ProjectSheetForm::session() const
     show.operatorName = unlessEmpty(m_operatorName);
     show.eventDate = m_hasEventDate ? std::optional(m_eventDate) : std::nullopt;
     show.notes = unlessEmpty(m_notes);
+    const QDate day = m_hasEventDate ? eventDayDate() : at.toTimeZone(Fmt::timeZone()).date();
+    show.scheduledStart = m_hasShowStart ? std::optional(QDateTime(day, m_showStart, Fmt::timeZone()))
+                                         : std::nullopt;
     show.updatedAt = at;
     if (!m_existing && m_withStarterCue)
         show.cues << starterCue();

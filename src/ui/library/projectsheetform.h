@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QQmlEngine>
 #include <QString>
+#include <QTime>
 #include <QVariant>
 
 #include <optional>
@@ -49,6 +50,11 @@ class ProjectSheetForm : public QObject
     Q_PROPERTY(int eventYear READ eventYear NOTIFY eventDateChanged FINAL)
     Q_PROPERTY(int eventMonthIndex READ eventMonthIndex NOTIFY eventDateChanged FINAL)
     Q_PROPERTY(int eventDay READ eventDay NOTIFY eventDateChanged FINAL)
+    // "Début du show": whether the show has a planned start, and its time of day, on the event's
+    // date (today's when it has none).
+    Q_PROPERTY(bool hasShowStart READ hasShowStart WRITE setHasShowStart NOTIFY showStartChanged FINAL)
+    Q_PROPERTY(int showStartHour READ showStartHour NOTIFY showStartChanged FINAL)
+    Q_PROPERTY(int showStartMinute READ showStartMinute NOTIFY showStartChanged FINAL)
     // The calendar's language: French, Monday first.
     Q_PROPERTY(QLocale locale READ locale CONSTANT FINAL)
 
@@ -80,6 +86,12 @@ public:
     bool withStarterCue() const { return m_withStarterCue; }
     void setWithStarterCue(bool on);
 
+    bool hasShowStart() const { return m_hasShowStart; }
+    void setHasShowStart(bool on);
+    int showStartHour() const { return m_showStart.hour(); }
+    int showStartMinute() const { return m_showStart.minute(); }
+    Q_INVOKABLE void setShowStart(int hour, int minute);
+
     QDateTime eventDate() const { return m_eventDate; }
     QString eventDateText() const;
     int eventYear() const { return eventDayDate().year(); }
@@ -106,6 +118,7 @@ signals:
     void textsChanged();
     void eventDateChanged();
     void withStarterCueChanged();
+    void showStartChanged();
 
 private:
     QDateTime now() const;
@@ -123,4 +136,6 @@ private:
     QDateTime m_eventDate;
     bool m_hasEventDate = true;
     bool m_withStarterCue = true;
+    bool m_hasShowStart = false;
+    QTime m_showStart{20, 0};
 };

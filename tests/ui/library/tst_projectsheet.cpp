@@ -222,6 +222,38 @@ private slots:
         QCOMPARE(show.eventDate, gala.eventDate);
     }
 
+    // "Début du show": unticked for a show without one; ticked and set on the wheels, the show
+    // starts at that time on its event date; unticked again, it has none.
+    void theShowStartIsATimeOnTheEventDate()
+    {
+        LibraryFixture f;
+        openForEditing(f, withDate(QStringLiteral("Gala")));
+        QCOMPARE(f.text("sheetHasShowStart"), QStringLiteral("Début du show"));
+        QVERIFY(!f.item("sheetHasShowStart")->property("checked").toBool());
+        QCOMPARE(f.item("sheetShowStart")->opacity(), 0.4);
+        f.click(f.item("sheetHasShowStart"));
+        QCOMPARE(f.item("sheetShowStart")->opacity(), 1.0);
+        QQuickItem *hours = f.item("hourWheel");
+        QTRY_COMPARE(hours->property("currentIndex").toInt(), 20);
+        hours->forceActiveFocus();
+        QTest::keyClick(f.window(), Qt::Key_Up); // 19 h
+        QTRY_COMPARE(form(f)->showStartHour(), 19);
+        QTRY_COMPARE(hours->property("currentIndex").toInt(), 19);
+        keepScreenshot(f.grab(), QStringLiteral("sheet-show-start-1150x750"));
+        f.resize(1920, 1080);
+        keepScreenshot(f.grab(), QStringLiteral("sheet-show-start-1920x1080"));
+        const TimerSession show = confirm(f, SIGNAL(edited(QVariant)));
+        QCOMPARE(show.scheduledStart, std::optional(QDateTime(QDate(2026, 6, 12), QTime(19, 0),
+                                                              QTimeZone("Europe/Paris"))));
+
+        TimerSession planned = show;
+        openForEditing(f, planned);
+        QVERIFY(f.item("sheetHasShowStart")->property("checked").toBool());
+        QTRY_COMPARE(f.item("hourWheel")->property("currentIndex").toInt(), 19);
+        f.click(f.item("sheetHasShowStart"));
+        QCOMPARE(confirm(f, SIGNAL(edited(QVariant))).scheduledStart, std::nullopt);
+    }
+
     void untickingTheDateRemovesItFromTheShow()
     {
         LibraryFixture f;
