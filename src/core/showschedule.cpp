@@ -114,7 +114,7 @@ ScheduleStatus status(const ShowPlan &plan, const QList<Cue> &cues, const ShowPo
         status.expectedStarts[j] = start;
         t = endFrom(cues[j], start, zone);
     }
-    status.projectedEnd = next < count || position.activeIndex ? t : freeAt;
+    status.projectedEnd = t;
     return status;
 }
 

@@ -34,6 +34,15 @@ inline SheetCell covered()
 
 inline const SheetCell empty{};
 
+// The cues' names, in order.
+inline QStringList cueNames(const QList<Cue> &cues)
+{
+    QStringList list;
+    for (const Cue &c : cues)
+        list << c.name;
+    return list;
+}
+
 // « value », as the messages quote a cell.
 inline QString quoted(const QString &value)
 {

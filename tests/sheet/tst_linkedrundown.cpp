@@ -1,3 +1,4 @@
+#include "importexpect.h"
 #include "linkedrundown.h"
 #include "sheetgrid.h"
 
@@ -17,14 +18,6 @@ private:
     const ImportContext context{QDate(2026, 11, 26), paris};
 
     static QString data(const char *name) { return QStringLiteral(KAIRON_TEST_DATA "/sheets/") + QLatin1String(name); }
-
-    static QStringList names(const QList<Cue> &cues)
-    {
-        QStringList list;
-        for (const Cue &c : cues)
-            list << c.name;
-        return list;
-    }
 
 private slots:
     void columnLettersGoBothWays()
@@ -68,7 +61,7 @@ private slots:
             LinkedRundown::linkFor(data("conducteur.tsv"), QStringLiteral("conducteur"), {{2, ImportField::Ignore}});
         const LinkedRundown::Reading reading = LinkedRundown::read(link, context);
         QCOMPARE(reading.error, QString());
-        QCOMPARE(names(reading.cues), (QStringList{"Accueil", "Discours", "Salut final"}));
+        QCOMPARE(cueNames(reading.cues), (QStringList{"Accueil", "Discours", "Salut final"}));
         QCOMPARE(reading.cues[1].duration, 720.0);
         QCOMPARE(reading.cues[0].autoFollow, false);
         QCOMPARE(reading.cues[2].autoFollow, false);

@@ -1,3 +1,4 @@
+#include "importexpect.h"
 #include "rundownmerge.h"
 
 #include <QTest>
@@ -17,14 +18,6 @@ private:
         c.name = name;
         c.duration = duration;
         return c;
-    }
-
-    static QStringList names(const QList<Cue> &cues)
-    {
-        QStringList list;
-        for (const Cue &c : cues)
-            list << c.name;
-        return list;
     }
 
 private slots:
@@ -49,7 +42,7 @@ private slots:
         const QList<Cue> sheet{cue("Ouverture", 60), longer, cue("Discours", 300)};
         const RundownMerge merge = RundownMerging::merge(show, sheet, paris);
 
-        QCOMPARE(names(merge.cues), (QStringList{"Ouverture", " accueil ", "Discours"}));
+        QCOMPARE(cueNames(merge.cues), (QStringList{"Ouverture", " accueil ", "Discours"}));
         QCOMPARE(merge.cues[0].id, sheet[0].id);
         QCOMPARE(merge.cues[1].id, show[0].id);
         QCOMPARE(merge.cues[1].duration, 900.0);
@@ -104,7 +97,7 @@ private slots:
         const QList<Cue> sheet{cue("F", 60), cue("A", 60), cue("B", 60),
                                cue("D", 60), cue("E", 60), cue("C", 90)};
         const RundownMerge merge = RundownMerging::merge(show, sheet, paris);
-        QCOMPARE(names(merge.cues), (QStringList{"F", "A", "B", "D", "E", "C"}));
+        QCOMPARE(cueNames(merge.cues), (QStringList{"F", "A", "B", "D", "E", "C"}));
         QCOMPARE(merge.cues[0].id, show[5].id);
         QCOMPARE(merge.cues[5].id, show[2].id);
         QCOMPARE(merge.changes, (QList<RundownMerge::Change>{
