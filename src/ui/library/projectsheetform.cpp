@@ -74,7 +74,6 @@ void ProjectSheetForm::setWithStarterCue(bool on)
         return;
     m_withStarterCue = on;
     emit withStarterCueChanged();
-    emit showStartChanged();
 }
 
 void ProjectSheetForm::setHasShowStart(bool on)
@@ -149,6 +148,7 @@ void ProjectSheetForm::fill(const std::optional<TimerSession> &existing)
     emit textsChanged();
     emit eventDateChanged();
     emit withStarterCueChanged();
+    emit showStartChanged();
 }
 
 void ProjectSheetForm::setEventDay(int year, int monthIndex, int day)

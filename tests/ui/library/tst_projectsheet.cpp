@@ -252,6 +252,11 @@ private slots:
         QTRY_COMPARE(f.item("hourWheel")->property("currentIndex").toInt(), 19);
         f.click(f.item("sheetHasShowStart"));
         QCOMPARE(confirm(f, SIGNAL(edited(QVariant))).scheduledStart, std::nullopt);
+
+        // Opened again on a show with a start after the box was last unticked: ticked, at its time.
+        openForEditing(f, planned);
+        QVERIFY(f.item("sheetHasShowStart")->property("checked").toBool());
+        QCOMPARE(f.item("sheetShowStart")->opacity(), 1.0);
     }
 
     void untickingTheDateRemovesItFromTheShow()
