@@ -1,4 +1,5 @@
 #include "alertsynth.h"
+#include "audiotestmain.h"
 #include "pcmscan.h"
 #include "preferences.h"
 #include "sinktap.h"
@@ -119,5 +120,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAlertRepetition)
+KAIRON_AUDIO_TEST_MAIN(TestAlertRepetition)
 #include "tst_alertrepetition.moc"

@@ -1,4 +1,5 @@
 #include "alertsynth.h"
+#include "audiotestmain.h"
 
 #include <QFile>
 #include <QTest>
@@ -115,5 +116,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAlertSounds)
+KAIRON_AUDIO_TEST_MAIN(TestAlertSounds)
 #include "tst_alertsounds.moc"

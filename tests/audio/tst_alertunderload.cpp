@@ -1,4 +1,5 @@
 #include "alertsynth.h"
+#include "audiotestmain.h"
 #include "pcmscan.h"
 #include "preferences.h"
 #include "sinktap.h"
@@ -156,5 +157,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAlertUnderLoad)
+KAIRON_AUDIO_TEST_MAIN(TestAlertUnderLoad)
 #include "tst_alertunderload.moc"

@@ -1,5 +1,6 @@
 #include "audiodevicemanager.h"
 #include "audiodevicewatcher.h"
+#include "audiotestmain.h"
 #include "soundmanager.h"
 
 #include <QSignalSpy>
@@ -36,5 +37,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAudioWithoutServer)
+KAIRON_AUDIO_TEST_MAIN(TestAudioWithoutServer)
 #include "tst_audio_noserver.moc"

@@ -1,5 +1,6 @@
 #include "audiodevicemanager.h"
 #include "audiodevicewatcher.h"
+#include "audiotestmain.h"
 #include "sinkrecorder.h"
 
 #include <QSignalSpy>
@@ -110,5 +111,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAudioDevices)
+KAIRON_AUDIO_TEST_MAIN(TestAudioDevices)
 #include "tst_audiodevices.moc"

@@ -1,5 +1,6 @@
 #include "alertsynth.h"
 #include "audiodevicemanager.h"
+#include "audiotestmain.h"
 #include "preferences.h"
 #include "sinkrecorder.h"
 #include "soundmanager.h"
@@ -189,5 +190,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSoundManager)
+KAIRON_AUDIO_TEST_MAIN(TestSoundManager)
 #include "tst_soundmanager.moc"
