@@ -1,6 +1,7 @@
 #include "rundownexport.h"
 
 #include "reportexporter.h"
+#include "showschedule.h"
 #include "userfolders.h"
 
 #include <QFile>
@@ -17,47 +18,78 @@ namespace {
 
 constexpr double secondsPerDay = 86400;
 
-// One cue's row, as values: a time as a fraction of a day (nullopt: an empty cell).
-struct Row {
-    int number;
-    QString name;
-    QString speaker;
-    double duration;
-    std::optional<double> end;
-    double warning;
-    double danger;
-    QString autoFollow;
-    QString colour;
-    QString notes;
+// One cell of a row, as a value and the way it is shown.
+struct Cell {
+    enum class Kind {
+        Empty,
+        Count,     // a whole number
+        Text,
+        Length,    // a time value shown [h]:mm:ss, `number` a fraction of a day
+        TimeOfDay, // a time value shown hh:mm, `number` a fraction of a day
+    };
+    Kind kind = Kind::Empty;
+    double number = 0;
+    QString text;
 };
 
-Row rowOf(const Cue &cue, int number, const QTimeZone &zone)
+using Row = QList<Cell>;
+
+Cell countCell(int count)
 {
-    std::optional<double> end;
-    if (cue.mode == TimerMode::HardOut && cue.hardOutTime) {
-        // Only the hour and the minute of an end time count.
-        const QTime time = cue.hardOutTime->toTimeZone(zone).time();
-        end = (time.hour() * 3600 + time.minute() * 60) / secondsPerDay;
-    }
-    return Row{number,
-               cue.name,
-               cue.speaker,
-               cue.duration / secondsPerDay,
-               end,
-               cue.warningThreshold / secondsPerDay,
-               cue.dangerThreshold / secondsPerDay,
-               cue.autoFollow ? QStringLiteral("oui") : QStringLiteral("non"),
-               cue.colorHex.value_or(QString()),
-               cue.notes};
+    return Cell{Cell::Kind::Count, double(count), {}};
 }
 
-QList<Row> rowsOf(const TimerSession &session, const QTimeZone &zone)
+Cell textCell(const QString &text)
 {
+    return Cell{Cell::Kind::Text, 0, text};
+}
+
+Cell lengthCell(double seconds)
+{
+    return Cell{Cell::Kind::Length, seconds / secondsPerDay, {}};
+}
+
+// A moment as its time of day in `zone`: only its hour and minute count, as for an end time.
+Cell timeOfDayCell(const QDateTime &moment, const QTimeZone &zone)
+{
+    const QTime time = moment.toTimeZone(zone).time();
+    return Cell{Cell::Kind::TimeOfDay, (time.hour() * 3600 + time.minute() * 60) / secondsPerDay, {}};
+}
+
+// A cue's row; `plannedStart` fills the "Début prévu" column, left out when the show has no start.
+Row rowOf(const Cue &cue, int number, const std::optional<QDateTime> &plannedStart,
+          const QTimeZone &zone)
+{
+    Row row{countCell(number)};
+    if (plannedStart)
+        row.append(timeOfDayCell(*plannedStart, zone));
+    const bool hasEnd = cue.mode == TimerMode::HardOut && cue.hardOutTime;
+    row << textCell(cue.name) << textCell(cue.speaker) << lengthCell(cue.duration)
+        << (hasEnd ? timeOfDayCell(*cue.hardOutTime, zone) : Cell{})
+        << lengthCell(cue.warningThreshold) << lengthCell(cue.dangerThreshold)
+        << textCell(cue.autoFollow ? QStringLiteral("oui") : QStringLiteral("non"))
+        << textCell(cue.colorHex.value_or(QString())) << textCell(cue.notes);
+    return row;
+}
+
+// The header and the cues' rows, with a "Début prévu" column when the show has a start: the
+// show's own timetable gives each cue's planned start.
+struct Table {
+    QStringList header;
     QList<Row> rows;
-    rows.reserve(session.cues.size());
-    for (int i = 0; i < session.cues.size(); ++i)
-        rows.append(rowOf(session.cues[i], i + 1, zone));
-    return rows;
+};
+
+Table tableOf(const TimerSession &session, const QTimeZone &zone)
+{
+    const std::optional<ShowPlan> plan = ShowSchedule::plan(session, zone);
+    Table table{RundownExport::headers(plan.has_value()), {}};
+    table.rows.reserve(session.cues.size());
+    for (int i = 0; i < session.cues.size(); ++i) {
+        const std::optional<QDateTime> start =
+            plan ? std::optional<QDateTime>(plan->cues.at(i).start) : std::nullopt;
+        table.rows.append(rowOf(session.cues[i], i + 1, start, zone));
+    }
+    return table;
 }
 
 // A length as "h:mm:ss", hours not wrapped; a fraction of a second, which the editor never
@@ -81,11 +113,25 @@ QString timeOfDayText(double days)
     return QStringLiteral("%1:%2").arg(minutes / 60, 2, 10, QLatin1Char('0')).arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
+QString textOf(const Cell &cell)
+{
+    switch (cell.kind) {
+    case Cell::Kind::Empty: return {};
+    case Cell::Kind::Count: return QString::number(qint64(cell.number));
+    case Cell::Kind::Text: return cell.text;
+    case Cell::Kind::Length: return clockText(cell.number);
+    case Cell::Kind::TimeOfDay: return timeOfDayText(cell.number);
+    }
+    return {};
+}
+
 QStringList textsOf(const Row &row)
 {
-    return {QString::number(row.number), row.name, row.speaker, clockText(row.duration),
-            row.end ? timeOfDayText(*row.end) : QString(), clockText(row.warning),
-            clockText(row.danger), row.autoFollow, row.colour, row.notes};
+    QStringList texts;
+    texts.reserve(row.size());
+    for (const Cell &cell : row)
+        texts.append(textOf(cell));
+    return texts;
 }
 
 // The width of a column in characters: its longest line, within reason.
@@ -137,9 +183,20 @@ public:
     {
         remember(worksheet_write_number(m_sheet, row, lxw_col_t(column), value, format));
     }
-    void write(const QList<Row> &rows)
+    void cell(int row, int column, const Cell &value)
     {
-        const QStringList header = RundownExport::headers();
+        switch (value.kind) {
+        case Cell::Kind::Empty: return;
+        case Cell::Kind::Count: return number(row, column, value.number);
+        case Cell::Kind::Text: return text(row, column, value.text);
+        case Cell::Kind::Length: return number(row, column, value.number, m_length);
+        case Cell::Kind::TimeOfDay: return number(row, column, value.number, m_timeOfDay);
+        }
+    }
+    void write(const Table &table)
+    {
+        const QStringList &header = table.header;
+        const QList<Row> &rows = table.rows;
         QList<QStringList> columnTexts(header.size());
         for (int c = 0; c < header.size(); ++c) {
             text(0, c, header[c], m_bold);
@@ -147,21 +204,10 @@ public:
         }
         for (int r = 0; r < rows.size(); ++r) {
             const Row &row = rows[r];
-            const int line = r + 1;
-            number(line, 0, row.number);
-            text(line, 1, row.name);
-            text(line, 2, row.speaker);
-            number(line, 3, row.duration, m_length);
-            if (row.end)
-                number(line, 4, *row.end, m_timeOfDay);
-            number(line, 5, row.warning, m_length);
-            number(line, 6, row.danger, m_length);
-            text(line, 7, row.autoFollow);
-            text(line, 8, row.colour);
-            text(line, 9, row.notes);
-            const QStringList texts = textsOf(row);
-            for (int c = 0; c < texts.size(); ++c)
-                columnTexts[c].append(texts[c]);
+            for (int c = 0; c < row.size(); ++c) {
+                cell(r + 1, c, row[c]);
+                columnTexts[c].append(textOf(row[c]));
+            }
         }
         for (int c = 0; c < header.size(); ++c)
             worksheet_set_column(m_sheet, lxw_col_t(c), lxw_col_t(c), fittedWidth(columnTexts[c]), nullptr);
@@ -205,12 +251,15 @@ bool fail(QString *error, const QString &reason)
 
 namespace RundownExport {
 
-QStringList headers()
+QStringList headers(bool withPlannedStart)
 {
-    return {QStringLiteral("N°"),       QStringLiteral("Nom"),    QStringLiteral("Intervenant"),
-            QStringLiteral("Durée"),    QStringLiteral("Fin"),    QStringLiteral("Alerte"),
-            QStringLiteral("Danger"),   QStringLiteral("Enchaînement"), QStringLiteral("Couleur"),
-            QStringLiteral("Notes")};
+    QStringList header{QStringLiteral("N°")};
+    if (withPlannedStart)
+        header.append(QStringLiteral("Début prévu"));
+    header << QStringLiteral("Nom") << QStringLiteral("Intervenant") << QStringLiteral("Durée")
+           << QStringLiteral("Fin") << QStringLiteral("Alerte") << QStringLiteral("Danger")
+           << QStringLiteral("Enchaînement") << QStringLiteral("Couleur") << QStringLiteral("Notes");
+    return header;
 }
 
 bool writeXlsx(const TimerSession &session, const QTimeZone &zone, const QString &path,
@@ -226,7 +275,7 @@ bool writeXlsx(const TimerSession &session, const QTimeZone &zone, const QString
         XlsxWriter writer(draft);
         if (!writer.opened())
             return fail(error, QStringLiteral("impossible de préparer le classeur"));
-        writer.write(rowsOf(session, zone));
+        writer.write(tableOf(session, zone));
         if (const std::optional<QString> reason = writer.close())
             return fail(error, QStringLiteral("impossible d’écrire le classeur (%1)").arg(*reason));
     }
@@ -247,8 +296,9 @@ QByteArray csvBytes(const TimerSession &session, const QTimeZone &zone)
         }
         text += QStringLiteral("\r\n");
     };
-    appendLine(headers());
-    for (const Row &row : rowsOf(session, zone))
+    const Table table = tableOf(session, zone);
+    appendLine(table.header);
+    for (const Row &row : table.rows)
         appendLine(textsOf(row));
     return text.toUtf8();
 }
