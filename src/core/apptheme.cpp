@@ -1,6 +1,7 @@
 #include "apptheme.h"
 
 #include "colorhex.h"
+#include "showschedule.h"
 
 #include <cmath>
 
@@ -17,6 +18,15 @@ ThemeColor stateColor(const std::optional<Cue> &activeCue, double shown)
     if (shown <= activeCue->warningThreshold)
         return stateWarning;
     return cueColor(*activeCue).value_or(stateNormal);
+}
+
+ThemeColor scheduleColor(double offsetSeconds)
+{
+    const double offset = std::round(offsetSeconds);
+    return offset >= ShowSchedule::lateDangerSeconds    ? stateDanger
+           : offset >= ShowSchedule::lateWarningSeconds ? stateWarning
+           : offset <= -ShowSchedule::onTimeSeconds     ? success
+                                                        : textSecondary;
 }
 
 std::optional<ThemeColor> cueColor(const Cue &cue)

@@ -43,6 +43,11 @@ inline constexpr ThemeColor success{46, 204, 113};
 // text parses → that colour; else stateNormal. A cue's colour thus replaces only the calm green.
 ThemeColor stateColor(const std::optional<Cue> &activeCue, double shown);
 
+// The colour of the show's offset against its timetable, rounded to the second as it is shown:
+// stateDanger from 5 min late, stateWarning from 2 min, success from 30 s early, else
+// textSecondary.
+ThemeColor scheduleColor(double offsetSeconds);
+
 // The cue's own colour, when it has one whose text parses.
 std::optional<ThemeColor> cueColor(const Cue &cue);
 

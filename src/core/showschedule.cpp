@@ -77,39 +77,62 @@ std::optional<ShowPlan> plan(const TimerSession &session, const QTimeZone &zone)
     return plan;
 }
 
+namespace {
+
+// Where the show goes on from: the offset, the first cue still to come and when the show is
+// free to start it.
+struct Standing {
+    double offsetSeconds = 0;
+    int next = 0;
+    QDateTime freeAt;
+};
+
+Standing standingOf(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosition &position,
+                    const QDateTime &now)
+{
+    const auto planned = [&plan](int i) -> const PlannedCue & { return plan.cues.at(i); };
+    const int count = int(std::min(cues.size(), plan.cues.size()));
+    Standing s;
+    if (position.activeIndex && *position.activeIndex < count) {
+        const int i = *position.activeIndex;
+        const PlannedCue &p = planned(i);
+        s.offsetSeconds = std::max(seconds(p.start, position.activeStartedAt), seconds(p.end, now));
+        s.freeAt = p.end.addMSecs(qint64(std::llround(s.offsetSeconds * 1000)));
+        if (hasEndTime(cues[i]))
+            s.freeAt = std::max(now, p.end); // an end time holds, whenever the cue began
+        s.next = i + 1;
+    } else if (position.lastEndedIndex && *position.lastEndedIndex < count) {
+        const int i = *position.lastEndedIndex;
+        const QDateTime due = i + 1 < count ? planned(i + 1).start : planned(i).end;
+        s.offsetSeconds = i + 1 < count
+                              ? std::max(seconds(planned(i).end, position.lastEndedAt), seconds(due, now))
+                              : seconds(planned(i).end, position.lastEndedAt);
+        s.freeAt = i + 1 < count ? std::max(now, due) : position.lastEndedAt;
+        s.next = i + 1;
+    } else {
+        s.offsetSeconds = std::max(0.0, seconds(plan.start, now));
+        s.freeAt = std::max(now, plan.start);
+    }
+    return s;
+}
+
+} // namespace
+
+double offset(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosition &position, const QDateTime &now)
+{
+    return standingOf(plan, cues, position, now).offsetSeconds;
+}
+
 ScheduleStatus status(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosition &position,
                       const QDateTime &now, const QTimeZone &zone)
 {
     ScheduleStatus status;
     status.expectedStarts.resize(cues.size());
-    const auto planned = [&plan](int i) -> const PlannedCue & { return plan.cues.at(i); };
     const int count = int(std::min(cues.size(), plan.cues.size()));
-
-    int next = 0;        // the first cue still to come
-    QDateTime freeAt;    // when the show can go on with it
-    if (position.activeIndex && *position.activeIndex < count) {
-        const int i = *position.activeIndex;
-        const PlannedCue &p = planned(i);
-        status.offsetSeconds = std::max(seconds(p.start, position.activeStartedAt), seconds(p.end, now));
-        freeAt = p.end.addMSecs(qint64(std::llround(status.offsetSeconds * 1000)));
-        if (hasEndTime(cues[i]))
-            freeAt = std::max(now, p.end); // an end time holds, whenever the cue began
-        next = i + 1;
-    } else if (position.lastEndedIndex && *position.lastEndedIndex < count) {
-        const int i = *position.lastEndedIndex;
-        const QDateTime due = i + 1 < count ? planned(i + 1).start : planned(i).end;
-        status.offsetSeconds = i + 1 < count
-                                   ? std::max(seconds(planned(i).end, position.lastEndedAt), seconds(due, now))
-                                   : seconds(planned(i).end, position.lastEndedAt);
-        freeAt = i + 1 < count ? std::max(now, due) : position.lastEndedAt;
-        next = i + 1;
-    } else {
-        status.offsetSeconds = std::max(0.0, seconds(plan.start, now));
-        freeAt = std::max(now, plan.start);
-    }
-
-    QDateTime t = freeAt;
-    for (int j = next; j < count; ++j) {
+    const Standing standing = standingOf(plan, cues, position, now);
+    status.offsetSeconds = standing.offsetSeconds;
+    QDateTime t = standing.freeAt;
+    for (int j = standing.next; j < count; ++j) {
         const QDateTime start = std::max(startFrom(cues[j], t, zone), t);
         status.expectedStarts[j] = start;
         t = endFrom(cues[j], start, zone);

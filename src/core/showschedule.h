@@ -68,6 +68,9 @@ std::optional<ShowPlan> plan(const TimerSession &session, const QTimeZone &zone)
 ScheduleStatus status(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosition &position,
                       const QDateTime &now, const QTimeZone &zone);
 
+// The offset alone, as status() gives it, without walking the cues to come.
+double offset(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosition &position, const QDateTime &now);
+
 // The console's line: "Retard : +04:12" from 30 s late, "Avance : −01:30" from 30 s early,
 // "À l'heure" within.
 QString offsetText(double offsetSeconds);

@@ -79,12 +79,31 @@ ShowPosition TimerEngine::showPosition() const
     return position;
 }
 
+const std::optional<ShowPlan> &TimerEngine::schedulePlan() const
+{
+    const QTimeZone zone = m_clock.timeZone();
+    if (m_planStale || m_planZone != zone.id()) {
+        m_plan = ShowSchedule::plan(m_session, zone);
+        m_planZone = zone.id();
+        m_planStale = false;
+    }
+    return m_plan;
+}
+
 std::optional<ScheduleStatus> TimerEngine::scheduleStatus() const
 {
-    const std::optional<ShowPlan> plan = ShowSchedule::plan(m_session, m_clock.timeZone());
+    const std::optional<ShowPlan> &plan = schedulePlan();
     if (!plan)
         return std::nullopt;
     return ShowSchedule::status(*plan, m_session.cues, showPosition(), m_clock.now(), m_clock.timeZone());
+}
+
+std::optional<double> TimerEngine::scheduleOffset() const
+{
+    const std::optional<ShowPlan> &plan = schedulePlan();
+    if (!plan)
+        return std::nullopt;
+    return ShowSchedule::offset(*plan, m_session.cues, showPosition(), m_clock.now());
 }
 
 std::optional<int> TimerEngine::baseIndex() const
@@ -184,6 +203,8 @@ static_assert(signalCount <= 32);
 
 void TimerEngine::notify(Signal signal)
 {
+    if (signal == &TimerEngine::sessionChanged)
+        m_planStale = true;
     for (int i = 0; i < signalCount; ++i) {
         if (signalOrder[i] == signal) {
             m_pendingSignals |= 1u << i;

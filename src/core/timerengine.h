@@ -118,8 +118,12 @@ public:
     // Where the show stands for its timetable: the cue running or paused and when it was
     // started (or last reset), else the last cue left and when.
     ShowPosition showPosition() const;
+    // The show's timetable, kept until the show is edited; none while it has no planned start.
+    const std::optional<ShowPlan> &schedulePlan() const;
     // The show against its timetable now; none while it has no planned start.
     std::optional<ScheduleStatus> scheduleStatus() const;
+    // Its offset alone (seconds, positive when late), without walking the cues to come.
+    std::optional<double> scheduleOffset() const;
     QDateTime projectedDayEnd() const;
     std::optional<QString> currentMessage() const { return m_currentMessage; }
     bool messageUrgent() const { return m_messageUrgent; }
@@ -352,6 +356,11 @@ private:
     QDateTime m_cueStartedAt;               // wall clock: when the active cue was last started or reset
     std::optional<QUuid> m_lastLeftCueID;   // the cue last left, and when
     QDateTime m_lastLeftAt;
+    // The timetable as last worked out, for the time zone it was worked out in; stale once the
+    // show is edited.
+    mutable std::optional<ShowPlan> m_plan;
+    mutable QByteArray m_planZone;
+    mutable bool m_planStale = true;
     int m_batchDepth = 0;      // operations running, nested
     quint32 m_pendingSignals = 0; // one bit per signal, in the order they are emitted
     bool m_pendingHook = false;

@@ -16,17 +16,24 @@ struct TimerEngineForeign {
     QML_UNCREATABLE("The application's one engine is made by the application")
 };
 
-// Points `current` at `engine`, moving `receiver` from the old engine to the new one: `slot`
-// runs on each of the engine's `changes`.
+// Points `current` at `source`, moving `receiver` from the old source to the new one: `slot`
+// runs on each of the source's `changes`.
+template <typename Source, typename Receiver, typename Slot>
+void follow(QPointer<Source> &current, Source *source, Receiver *receiver,
+            std::initializer_list<void (Source::*)()> changes, Slot slot)
+{
+    if (current)
+        current->disconnect(receiver);
+    current = source;
+    if (source) {
+        for (auto change : changes)
+            QObject::connect(source, change, receiver, slot);
+    }
+}
+
 template <typename Receiver, typename Slot>
 void followEngine(QPointer<TimerEngine> &current, TimerEngine *engine, Receiver *receiver,
                   std::initializer_list<void (TimerEngine::*)()> changes, Slot slot)
 {
-    if (current)
-        current->disconnect(receiver);
-    current = engine;
-    if (engine) {
-        for (auto change : changes)
-            QObject::connect(engine, change, receiver, slot);
-    }
+    follow(current, engine, receiver, changes, slot);
 }

@@ -5,7 +5,6 @@
 #include "formatters.h"
 #include "theme.h"
 
-#include <cmath>
 
 ConsolePresenter::ConsolePresenter(QObject *parent) : QObject(parent)
 {
@@ -34,11 +33,7 @@ void ConsolePresenter::setClock(DisplayClock *clock)
 {
     if (m_clock == clock)
         return;
-    if (m_clock)
-        disconnect(m_clock, nullptr, this, nullptr);
-    m_clock = clock;
-    if (m_clock)
-        connect(m_clock, &DisplayClock::secondChanged, this, &ConsolePresenter::refresh);
+    follow(m_clock, clock, this, {&DisplayClock::secondChanged}, &ConsolePresenter::refresh);
     refresh();
     emit clockChanged();
 }
@@ -72,13 +67,9 @@ ConsolePresenter::Frame ConsolePresenter::compute() const
     if (overtimeShows)
         f.driftText = QStringLiteral("(+") + TimerEngine::format(overtime, false)
                       + QStringLiteral(" de drift)");
-    if (const std::optional<ScheduleStatus> schedule = e ? e->scheduleStatus() : std::nullopt) {
-        const double offset = std::round(schedule->offsetSeconds); // as the text shows it
-        f.scheduleText = ShowSchedule::offsetText(offset);
-        f.scheduleColor = toQColor(offset >= ShowSchedule::lateDangerSeconds    ? AppTheme::stateDanger
-                                   : offset >= ShowSchedule::lateWarningSeconds ? AppTheme::stateWarning
-                                   : offset <= -ShowSchedule::onTimeSeconds     ? AppTheme::success
-                                                                                : AppTheme::textSecondary);
+    if (const std::optional<double> offset = e ? e->scheduleOffset() : std::nullopt) {
+        f.scheduleText = ShowSchedule::offsetText(*offset);
+        f.scheduleColor = toQColor(AppTheme::scheduleColor(*offset));
     }
     const std::optional<Cue> next = e ? e->nextCue() : std::nullopt;
     if (next)

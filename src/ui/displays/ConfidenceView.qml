@@ -1,9 +1,9 @@
 import QtQuick
 import Kairon
 
-// The floor monitor: the wall clock and the speaker at the top, the cue and its time in the
-// centre, what comes next and the whole message at the bottom. It always shows the timer,
-// whatever the stage display shows.
+// The floor monitor: the wall clock and the speaker at the top, with the show's offset against
+// its timetable under the clock; the cue and its time in the centre; what comes next and the
+// whole message at the bottom. It always shows the timer, whatever the stage display shows.
 Item {
     id: root
 
@@ -14,6 +14,7 @@ Item {
         id: confidence
         objectName: "confidencePresenter"
         engine: root.engine
+        clock: root.clock
     }
 
     Rectangle {
@@ -57,6 +58,23 @@ Item {
             font.pixelSize: Math.round(root.width * 0.04)
         }
 
+        // How the show runs against its timetable, for the speaker to pace the talk; only for a
+        // show with a start time.
+        Text {
+            id: schedule
+            objectName: "confidenceSchedule"
+            anchors.left: parent.left
+            anchors.top: wallClock.bottom
+            width: Math.min(implicitWidth, parent.width)
+            visible: text !== ""
+            text: confidence.scheduleText
+            color: confidence.scheduleColor
+            elide: Text.ElideRight
+            font.family: AppTheme.textFont
+            font.weight: Font.DemiBold
+            font.pixelSize: Math.round(root.width * 0.03)
+        }
+
         FontMetrics {
             id: nameMetrics
             font.family: AppTheme.textFont
@@ -76,7 +94,7 @@ Item {
         FittedColumn {
             id: centre
             objectName: "centre"
-            bandTop: wallClock.height
+            bandTop: schedule.visible ? schedule.y + schedule.height : wallClock.height
             bandBottom: bottomRow.y
             bandCentre: (bandTop + bandBottom) / 2
             textHeight: (confidence.hasCue ? nameMetrics.height : 0) + timeMetrics.height

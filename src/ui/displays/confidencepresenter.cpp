@@ -20,6 +20,15 @@ void ConfidencePresenter::setEngine(TimerEngine *engine)
     emit engineChanged();
 }
 
+void ConfidencePresenter::setClock(DisplayClock *clock)
+{
+    if (m_clock == clock)
+        return;
+    follow(m_clock, clock, this, {&DisplayClock::secondChanged}, &ConfidencePresenter::refresh);
+    refresh();
+    emit clockChanged();
+}
+
 void ConfidencePresenter::refresh()
 {
     const Frame frame = compute();
@@ -47,5 +56,9 @@ ConfidencePresenter::Frame ConfidencePresenter::compute() const
     f.hasMessage = message.has_value();
     f.message = message.value_or(QString());
     f.messageColor = toQColor(e && e->messageUrgent() ? AppTheme::stateOvertime : AppTheme::accent);
+    if (const std::optional<double> offset = e ? e->scheduleOffset() : std::nullopt) {
+        f.scheduleText = ShowSchedule::speakerText(*offset);
+        f.scheduleColor = toQColor(AppTheme::scheduleColor(*offset));
+    }
     return f;
 }

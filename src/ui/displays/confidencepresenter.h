@@ -1,5 +1,6 @@
 #pragma once
 
+#include "displayclock.h"
 #include "timerengine.h"
 
 #include <QColor>
@@ -16,6 +17,8 @@ class ConfidencePresenter : public QObject
     QML_ELEMENT
 
     Q_PROPERTY(TimerEngine *engine READ engine WRITE setEngine NOTIFY engineChanged FINAL)
+    // Its seconds move the schedule line while no cue runs (the engine then does not tick).
+    Q_PROPERTY(DisplayClock *clock READ clock WRITE setClock NOTIFY clockChanged FINAL)
 
     Q_PROPERTY(bool hasCue READ hasCue NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString cueName READ cueName NOTIFY frameChanged FINAL)
@@ -27,12 +30,17 @@ class ConfidencePresenter : public QObject
     Q_PROPERTY(bool hasMessage READ hasMessage NOTIFY frameChanged FINAL)
     Q_PROPERTY(QString message READ message NOTIFY frameChanged FINAL)
     Q_PROPERTY(QColor messageColor READ messageColor NOTIFY frameChanged FINAL)
+    // "Programme : +4 min de retard"; empty while the show has no start time.
+    Q_PROPERTY(QString scheduleText READ scheduleText NOTIFY frameChanged FINAL)
+    Q_PROPERTY(QColor scheduleColor READ scheduleColor NOTIFY frameChanged FINAL)
 
 public:
     explicit ConfidencePresenter(QObject *parent = nullptr);
 
     TimerEngine *engine() const { return m_engine; }
     void setEngine(TimerEngine *engine);
+    DisplayClock *clock() const { return m_clock; }
+    void setClock(DisplayClock *clock);
 
     bool hasCue() const { return m_frame.hasCue; }
     QString cueName() const { return m_frame.cueName; }
@@ -44,9 +52,12 @@ public:
     bool hasMessage() const { return m_frame.hasMessage; }
     QString message() const { return m_frame.message; }
     QColor messageColor() const { return m_frame.messageColor; }
+    QString scheduleText() const { return m_frame.scheduleText; }
+    QColor scheduleColor() const { return m_frame.scheduleColor; }
 
 signals:
     void engineChanged();
+    void clockChanged();
     void frameChanged();
 
 private:
@@ -61,6 +72,8 @@ private:
         bool hasMessage = false;
         QString message;
         QColor messageColor;
+        QString scheduleText;
+        QColor scheduleColor;
 
         bool operator==(const Frame &) const = default;
     };
@@ -69,5 +82,6 @@ private:
     Frame compute() const;
 
     QPointer<TimerEngine> m_engine;
+    QPointer<DisplayClock> m_clock;
     Frame m_frame;
 };

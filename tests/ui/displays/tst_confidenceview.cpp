@@ -82,6 +82,8 @@ private slots:
         QCOMPARE(pixelSize(message), qRound(w * 0.03));
         QCOMPARE(message->property("font").value<QFont>().weight(), QFont::Bold);
         KAIRON_COMPARE_COLOUR(dominantColour(shot, f.sceneRect(message), bgDeep), toQColor(AppTheme::accent));
+        // No start time, no schedule line.
+        QVERIFY(!f.item("confidenceSchedule")->isVisible());
     }
 
     // A long message is shown whole, wrapped on up to three lines and then smaller, at the
@@ -187,6 +189,73 @@ private slots:
         const QRect time = f.sceneRect(f.item("confidenceTime"));
         QCOMPARE(dominantColour(during, time, bgDeep), dominantColour(before, time, bgDeep));
         QCOMPARE(QColor(during.pixel(10, 500)), bgDeep);
+    }
+
+    // Under the wall clock, the show against its timetable in whole minutes, coloured as on the
+    // console: on time, early in green, late in yellow from 2 min and red from 5.
+    void theSpeakerReadsWhetherTheShowIsLate_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QTime>("plannedStart");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QColor>("colour");
+        for (const QSize size : {QSize(1920, 1080), QSize(1280, 720)}) {
+            const QByteArray tag = size.width() == 1920 ? "1080p" : "720p";
+            // The cue starts at 20:30:15.
+            QTest::newRow(tag + " on time") << size << QTime(20, 30) << QStringLiteral("Programme : à l'heure")
+                                            << toQColor(AppTheme::textSecondary);
+            QTest::newRow(tag + " late") << size << QTime(20, 26) << QStringLiteral("Programme : +4 min de retard")
+                                         << toQColor(AppTheme::stateWarning);
+            QTest::newRow(tag + " very late") << size << QTime(20, 24)
+                                              << QStringLiteral("Programme : +6 min de retard")
+                                              << toQColor(AppTheme::stateDanger);
+            QTest::newRow(tag + " early") << size << QTime(20, 32, 15)
+                                          << QStringLiteral("Programme : 2 min d'avance") << toQColor(AppTheme::success);
+        }
+    }
+
+    void theSpeakerReadsWhetherTheShowIsLate()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QTime, plannedStart);
+        QFETCH(QString, text);
+        QFETCH(QColor, colour);
+        DisplayFixture f("ConfidenceWindow.qml", size);
+        TimerSession show = showOf({speakerCue("Ouverture", "Claire Martin", 600),
+                                    speakerCue("Table ronde", "Invités", 1800)});
+        show.scheduledStart = QDateTime(QDate(2026, 11, 21), plannedStart, QTimeZone("Europe/Paris"));
+        f.engine.loadSession(show);
+        f.engine.start(0);
+        f.advance(20s);
+        const QImage shot = f.grab();
+        DisplayFixture::keep(shot, "confidence-schedule-" + QString::fromLatin1(QTest::currentDataTag()).replace(' ', '-'));
+
+        QQuickItem *line = f.item("confidenceSchedule");
+        QVERIFY(line->isVisible());
+        QCOMPARE(line->property("text").toString(), text);
+        QCOMPARE(pixelSize(line), qRound(size.width() * 0.03));
+        const QRect rect = f.sceneRect(line);
+        QCOMPARE(rect.left(), 30);
+        QCOMPARE(rect.top(), f.sceneRect(f.item("wallClock")).bottom() + 1);
+        KAIRON_COMPARE_COLOUR(dominantColour(shot, rect, bgDeep), colour);
+        // The cue's name and time stay below it, whole.
+        QVERIFY(f.sceneRect(f.item("cueName")).top() > rect.bottom());
+        QVERIFY(QRect(QPoint(), size).contains(f.sceneRect(f.item("confidenceTime"))));
+    }
+
+    // Before the first cue, the show falls behind its start with every second of the clock.
+    void theLineMovesWithTheClockBeforeTheFirstCue()
+    {
+        DisplayFixture f("ConfidenceWindow.qml", QSize(1920, 1080));
+        TimerSession show = showOf({speakerCue("Ouverture", "Claire Martin", 600)});
+        show.scheduledStart = QDateTime(QDate(2026, 11, 21), QTime(20, 25), QTimeZone("Europe/Paris"));
+        f.engine.loadSession(show);
+        QCoreApplication::processEvents();
+        QQuickItem *line = f.item("confidenceSchedule");
+        QCOMPARE(line->property("text").toString(), QStringLiteral("Programme : +5 min de retard"));
+        f.advance(75s); // 6 min 30 s
+        QCoreApplication::processEvents();
+        QCOMPARE(line->property("text").toString(), QStringLiteral("Programme : +7 min de retard"));
     }
 
     void anUrgentMessageIsSteadyRedAndOvertimeIsRed()
