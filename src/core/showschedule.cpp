@@ -107,7 +107,9 @@ Standing standingOf(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosi
         s.offsetSeconds = i + 1 < count
                               ? std::max(seconds(planned(i).end, position.lastEndedAt), seconds(due, now))
                               : seconds(planned(i).end, position.lastEndedAt);
-        s.freeAt = i + 1 < count ? std::max(now, due) : position.lastEndedAt;
+        // The next cue can go now: each second waited makes an early show less early, as the
+        // offset says.
+        s.freeAt = i + 1 < count ? now : position.lastEndedAt;
         s.next = i + 1;
     } else {
         s.offsetSeconds = std::max(0.0, seconds(plan.start, now));

@@ -182,6 +182,16 @@ private slots:
         QCOMPARE(status.offsetSeconds, 270.0);
         QCOMPARE(status.expectedStarts[1], at(20, 14, 30));
 
+        // Left five minutes early, at 20:05: the next cue can go at once, and each minute
+        // waited makes the show a minute less early.
+        const ShowPosition early{std::nullopt, {}, 0, at(20, 5)};
+        status = ShowSchedule::status(plan, s.cues, early, at(20, 5), paris);
+        QCOMPARE(status.offsetSeconds, -300.0);
+        QCOMPARE(status.expectedStarts[1], at(20, 5));
+        status = ShowSchedule::status(plan, s.cues, early, at(20, 7), paris);
+        QCOMPARE(status.offsetSeconds, -180.0);
+        QCOMPARE(status.expectedStarts[1], at(20, 7));
+
         // The last cue left: the show's final offset.
         const ShowPosition over{std::nullopt, {}, 3, at(21, 8)};
         status = ShowSchedule::status(plan, s.cues, over, at(21, 30), paris);

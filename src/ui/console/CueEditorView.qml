@@ -178,6 +178,20 @@ Popup {
                     }
                 }
 
+                // In the show's timetable the cue starts then, whatever the cues before it take:
+                // the list shows their margin or their overrun.
+                TimeOfDayOption {
+                    width: parent.width
+                    text: "Début fixe"
+                    boxName: "cueHasFixedStart"
+                    pickerName: "cueFixedStart"
+                    checked: sheet.draft.hasFixedStart
+                    hour: sheet.draft.fixedStartHour
+                    minute: sheet.draft.fixedStartMinute
+                    onToggled: checked => sheet.draft.hasFixedStart = checked
+                    onEdited: (hour, minute) => sheet.draft.setFixedStartTimeOfDay(hour, minute)
+                }
+
                 SheetBlock {
                     label: "Seuils d'alerte"
                     Row {

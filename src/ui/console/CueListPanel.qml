@@ -24,6 +24,7 @@ Rectangle {
     CueListModel {
         id: rows
         engine: panel.engine
+        clock: panel.presenter.clock
     }
 
     Item {

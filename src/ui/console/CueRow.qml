@@ -2,7 +2,8 @@ import QtQuick
 import Kairon
 
 // One cue of the console's list: its numbered badge, name and speaker (whole in a tooltip when
-// cut), planned length, a hard-out cue's end time and auto-follow, what it really took once
+// cut), its planned start in the show's timetable and the start now expected when that moved,
+// planned length, a hard-out cue's end time and auto-follow, what it really took once
 // played, and its edit controls, shown on the selected or pointed row only (a calm list during
 // the show, no stray click on a bin). A click selects the cue; a double click starts it, so a
 // stray click during a show never starts a cue.
@@ -21,6 +22,12 @@ Rectangle {
     required property string actualText
     required property bool active
     required property bool selected
+    required property string plannedStart
+    required property string expectedStart
+    required property bool expectedLate
+    required property string margin
+    required property bool shortfall
+    required property bool endsBeforeStart
     required property bool locked // the show is locked: the running order cannot change
     required property int count
 
@@ -88,6 +95,24 @@ Rectangle {
             spacing: 10
             clip: true
             Text {
+                objectName: "cuePlannedStart" + row.index
+                visible: row.plannedStart !== ""
+                text: row.plannedStart
+                color: AppTheme.textPrimary
+                font.family: AppTheme.digitsFont
+                font.weight: Font.DemiBold
+                font.pixelSize: 14
+            }
+            Text {
+                objectName: "cueExpectedStart" + row.index
+                visible: row.expectedStart !== ""
+                text: row.expectedStart
+                color: row.expectedLate ? AppTheme.stateWarning : AppTheme.success
+                font.family: AppTheme.digitsFont
+                font.weight: Font.DemiBold
+                font.pixelSize: 14
+            }
+            Text {
                 objectName: "cueDuration" + row.index
                 text: row.durationText
                 color: AppTheme.textSecondary
@@ -101,6 +126,26 @@ Rectangle {
                 color: AppTheme.accent
                 font.family: AppTheme.digitsFont
                 font.pixelSize: 14
+            }
+            Text {
+                objectName: "cueEndsBeforeStart" + row.index
+                visible: row.endsBeforeStart
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Fin avant le début"
+                color: AppTheme.stateDanger
+                font.family: AppTheme.textFont
+                font.weight: Font.DemiBold
+                font.pixelSize: 12
+            }
+            Text {
+                objectName: "cueMargin" + row.index
+                visible: row.margin !== ""
+                anchors.verticalCenter: parent.verticalCenter
+                text: row.margin
+                color: row.shortfall ? AppTheme.stateDanger : AppTheme.success
+                font.family: AppTheme.textFont
+                font.weight: Font.DemiBold
+                font.pixelSize: 12
             }
             ElidedText {
                 objectName: "cueSpeaker" + row.index

@@ -41,6 +41,13 @@ bool assign(T &field, const T &value)
     return true;
 }
 
+// That time of day on the day `moment` falls on in `zone`, to the minute.
+QDateTime timeOfDayOn(const QDateTime &moment, int hour, int minute, const QTimeZone &zone)
+{
+    const QDate day = (moment.isValid() ? moment : QDateTime::fromSecsSinceEpoch(0)).toTimeZone(zone).date();
+    return QDateTime(day, QTime(std::clamp(hour, 0, 23), std::clamp(minute, 0, 59)), zone);
+}
+
 } // namespace
 
 CueDraft::CueDraft(QObject *parent) : CueDraft(QTimeZone::utc(), parent) {}
@@ -72,6 +79,8 @@ void CueDraft::load(const Cue &cue, const QDateTime &now)
     m_minutes = int(total / 60);
     m_seconds = int(total % 60);
     m_hardOut = cue.hardOutTime.value_or(now);
+    const QTime local = now.toTimeZone(m_zone).time();
+    m_fixedStart = cue.fixedStart.value_or(timeOfDayOn(now, local.hour(), local.minute(), m_zone));
 
     emit nameChanged();
     emit speakerChanged();
@@ -79,6 +88,7 @@ void CueDraft::load(const Cue &cue, const QDateTime &now)
     emit minutesChanged();
     emit secondsChanged();
     emit hardOutChanged();
+    emit fixedStartChanged();
     emit warningThresholdChanged();
     emit dangerThresholdChanged();
     emit autoFollowChanged();
@@ -110,8 +120,10 @@ void CueDraft::applyDuration()
 
 void CueDraft::setTimeZone(const QTimeZone &zone)
 {
-    if (assign(m_zone, zone))
+    if (assign(m_zone, zone)) {
         emit hardOutChanged(); // the same instant reads as another hour
+        emit fixedStartChanged();
+    }
 }
 
 void CueDraft::setName(const QString &name)
@@ -181,12 +193,37 @@ void CueDraft::setHardOutMinute(int minute)
 // dropped since only the hour and minute of an end time count.
 void CueDraft::setHardOutTimeOfDay(int hour, int minute)
 {
-    hour = std::clamp(hour, 0, 23);
-    minute = std::clamp(minute, 0, 59);
-    const QDate day = (m_hardOut.isValid() ? m_hardOut : QDateTime::fromSecsSinceEpoch(0))
-                          .toTimeZone(m_zone)
-                          .date();
-    setHardOut(QDateTime(day, QTime(hour, minute), m_zone));
+    setHardOut(timeOfDayOn(m_hardOut, hour, minute, m_zone));
+}
+
+void CueDraft::setHasFixedStart(bool on)
+{
+    if (hasFixedStart() == on)
+        return;
+    m_cue.fixedStart = on ? std::optional(m_fixedStart) : std::nullopt;
+    emit fixedStartChanged();
+}
+
+int CueDraft::fixedStartHour() const
+{
+    return m_fixedStart.toTimeZone(m_zone).time().hour();
+}
+
+int CueDraft::fixedStartMinute() const
+{
+    return m_fixedStart.toTimeZone(m_zone).time().minute();
+}
+
+// Seconds are dropped, as for an end time: only the hour and the minute count.
+void CueDraft::setFixedStartTimeOfDay(int hour, int minute)
+{
+    const QDateTime chosen = timeOfDayOn(m_fixedStart, hour, minute, m_zone);
+    if (chosen == m_fixedStart)
+        return;
+    m_fixedStart = chosen;
+    if (hasFixedStart())
+        m_cue.fixedStart = chosen;
+    emit fixedStartChanged();
 }
 
 void CueDraft::setWarningThreshold(double seconds)

@@ -36,6 +36,11 @@ class CueDraft : public QObject
     Q_PROPERTY(int hardOutHour READ hardOutHour WRITE setHardOutHour NOTIFY hardOutChanged FINAL)
     Q_PROPERTY(int hardOutMinute READ hardOutMinute WRITE setHardOutMinute NOTIFY hardOutChanged FINAL)
     // Seconds of remaining time.
+    // "Début fixe": the cue starts at that time of day in the show's timetable, whatever the
+    // cues before it take.
+    Q_PROPERTY(bool hasFixedStart READ hasFixedStart WRITE setHasFixedStart NOTIFY fixedStartChanged FINAL)
+    Q_PROPERTY(int fixedStartHour READ fixedStartHour NOTIFY fixedStartChanged FINAL)
+    Q_PROPERTY(int fixedStartMinute READ fixedStartMinute NOTIFY fixedStartChanged FINAL)
     Q_PROPERTY(double warningThreshold READ warningThreshold WRITE setWarningThreshold
                    NOTIFY warningThresholdChanged FINAL)
     Q_PROPERTY(double dangerThreshold READ dangerThreshold WRITE setDangerThreshold
@@ -101,6 +106,13 @@ public:
     void setHardOutMinute(int minute);
     // The picker's choice: that time of day on the day the end time falls on, to the minute.
     Q_INVOKABLE void setHardOutTimeOfDay(int hour, int minute);
+    bool hasFixedStart() const { return m_cue.fixedStart.has_value(); }
+    // On: the picker's time becomes the cue's fixed start; off: the cue follows the one before.
+    void setHasFixedStart(bool on);
+    int fixedStartHour() const;
+    int fixedStartMinute() const;
+    // The picker's choice, to the minute; the cue's fixed start when the box is ticked.
+    Q_INVOKABLE void setFixedStartTimeOfDay(int hour, int minute);
     double warningThreshold() const { return m_cue.warningThreshold; }
     // Clamped to 0…3600; a value loaded outside that range may stay or move towards it.
     void setWarningThreshold(double seconds);
@@ -132,6 +144,7 @@ signals:
     void minutesChanged();
     void secondsChanged();
     void hardOutChanged();
+    void fixedStartChanged();
     void warningThresholdChanged();
     void dangerThresholdChanged();
     void autoFollowChanged();
@@ -145,5 +158,6 @@ private:
     int m_minutes = 10;
     int m_seconds = 0;
     QDateTime m_hardOut;
+    QDateTime m_fixedStart; // the picker's time, kept while the box is unticked
     QTimeZone m_zone;
 };

@@ -16,12 +16,23 @@ void CueListModel::setEngine(TimerEngine *engine)
     if (engine) {
         connect(engine, &TimerEngine::activeCueChanged, this, &CueListModel::syncMarks);
         connect(engine, &TimerEngine::selectedCueIndexChanged, this, &CueListModel::syncMarks);
+        connect(engine, &TimerEngine::runStateChanged, this, &CueListModel::syncSchedule);
     }
     m_cues = engine ? engine->session().cues : QList<Cue>();
+    m_marks = engine ? cueScheduleMarks(*engine) : QList<CueScheduleMarks>();
     m_active = engine ? engine->activeCueIndex().value_or(-1) : -1;
     m_selected = engine ? engine->selectedCueIndex().value_or(-1) : -1;
     endResetModel();
     emit engineChanged();
+}
+
+void CueListModel::setClock(DisplayClock *clock)
+{
+    if (m_clock == clock)
+        return;
+    follow(m_clock, clock, this, {&DisplayClock::secondChanged}, &CueListModel::syncSchedule);
+    syncSchedule();
+    emit clockChanged();
 }
 
 int CueListModel::rowCount(const QModelIndex &parent) const
@@ -64,6 +75,15 @@ QVariant CueListModel::data(const QModelIndex &index, int role) const
     case ActiveRole: return index.row() == m_active;
     case SelectedRole: return index.row() == m_selected;
     }
+    const CueScheduleMarks &marks = m_marks.at(index.row());
+    switch (role) {
+    case PlannedStartRole: return marks.plannedStart;
+    case ExpectedStartRole: return marks.expectedStart;
+    case ExpectedLateRole: return marks.expectedLate;
+    case MarginRole: return marks.margin;
+    case ShortfallRole: return marks.shortfall;
+    case EndsBeforeStartRole: return marks.endsBeforeStart;
+    }
     return {};
 }
 
@@ -79,7 +99,13 @@ QHash<int, QByteArray> CueListModel::roleNames() const
             {CompletedRole, "completed"},
             {ActualTextRole, "actualText"},
             {ActiveRole, "active"},
-            {SelectedRole, "selected"}};
+            {SelectedRole, "selected"},
+            {PlannedStartRole, "plannedStart"},
+            {ExpectedStartRole, "expectedStart"},
+            {ExpectedLateRole, "expectedLate"},
+            {MarginRole, "margin"},
+            {ShortfallRole, "shortfall"},
+            {EndsBeforeStartRole, "endsBeforeStart"}};
 }
 
 void CueListModel::touch(int row, const QList<int> &roles)
@@ -102,6 +128,7 @@ void CueListModel::syncCues()
         ++head;
     if (head == oldCount && head == newCount) {
         syncMarks();
+        syncSchedule(); // the show's start may have moved
         return;
     }
     qsizetype tail = 0;
@@ -117,11 +144,13 @@ void CueListModel::syncCues()
         const int at = int(head + common);
         beginInsertRows({}, at, int(at + newMiddle - oldMiddle - 1));
         m_cues = cues;
+        m_marks.insert(at, newMiddle - oldMiddle, CueScheduleMarks());
         endInsertRows();
     } else if (newMiddle < oldMiddle) {
         const int at = int(head + common);
         beginRemoveRows({}, at, int(at + oldMiddle - newMiddle - 1));
         m_cues.remove(at, oldMiddle - newMiddle);
+        m_marks.remove(at, oldMiddle - newMiddle);
         endRemoveRows();
         m_cues = cues;
     } else {
@@ -133,6 +162,29 @@ void CueListModel::syncCues()
     if (newMiddle != oldMiddle && head + newMiddle < newCount)
         emit dataChanged(index(int(head + newMiddle)), index(int(newCount - 1)), {NumberRole});
     syncMarks();
+    syncSchedule();
+}
+
+// The timetable's marks worked out again; each run of rows whose marks changed is touched once.
+void CueListModel::syncSchedule()
+{
+    const QList<CueScheduleMarks> marks = m_engine ? cueScheduleMarks(*m_engine) : QList<CueScheduleMarks>();
+    if (marks.size() != m_marks.size())
+        return; // the rows follow the show first, then come back here
+    static const QList<int> roles{PlannedStartRole, ExpectedStartRole, ExpectedLateRole,
+                                  MarginRole,       ShortfallRole,     EndsBeforeStartRole};
+    for (qsizetype i = 0; i < marks.size();) {
+        if (marks.at(i) == m_marks.at(i)) {
+            ++i;
+            continue;
+        }
+        const qsizetype first = i;
+        while (i < marks.size() && marks.at(i) != m_marks.at(i)) {
+            m_marks[i] = marks.at(i);
+            ++i;
+        }
+        emit dataChanged(index(int(first)), index(int(i - 1)), roles);
+    }
 }
 
 void CueListModel::syncMarks()

@@ -129,9 +129,17 @@ Popup {
             form: sheetForm
         }
 
-        ShowStartField {
+        // From it the console tells whether the show runs late or early.
+        TimeOfDayOption {
             width: parent.width
-            form: sheetForm
+            text: "Début du show"
+            boxName: "sheetHasShowStart"
+            pickerName: "sheetShowStart"
+            checked: sheetForm.hasShowStart
+            hour: sheetForm.showStartHour
+            minute: sheetForm.showStartMinute
+            onToggled: checked => sheetForm.hasShowStart = checked
+            onEdited: (hour, minute) => sheetForm.setShowStart(hour, minute)
         }
 
         SheetCheckBox {

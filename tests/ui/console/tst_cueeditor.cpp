@@ -14,7 +14,7 @@ private slots:
         EditorFixture f;
         QVERIFY(f.open());
         QQuickItem *root = f.window->contentItem();
-        const QStringList order{"Nom du cue", "Intervenant", "Mode", "10 min", "Seuils d'alerte",
+        const QStringList order{"Nom du cue", "Intervenant", "Mode", "10 min", "Début fixe", "Seuils d'alerte",
                                 "Auto-follow : enchaîner automatiquement le cue suivant à zéro",
                                 "Couleur du cue", "Automatique (vert / jaune / rouge selon les seuils)",
                                 "Notes", "Annuler"};
@@ -263,6 +263,40 @@ private slots:
         QCOMPARE(f.catcher.saved.first().hardOutTime, QDateTime(QDate(2026, 11, 21), QTime(22, 31), paris));
     }
 
+    // "Début fixe": unticked, the cue follows the one before it; ticked, it starts at the
+    // wheels' time of day in the show's timetable.
+    void theFixedStartIsATimeOfDayOnItsOwnWheels()
+    {
+        EditorFixture f; // the wheels start at now, 20:30
+        QVERIFY(f.open());
+        QQuickItem *picker = f.item("cueFixedStart");
+        QVERIFY(!f.item("cueHasFixedStart")->property("checked").toBool());
+        QCOMPARE(picker->opacity(), 0.4);
+        QVERIFY(!picker->isEnabled());
+        f.click("cueHasFixedStart");
+        QVERIFY(f.draft.hasFixedStart());
+        QCOMPARE(picker->opacity(), 1.0);
+        QCOMPARE(f.draft.result().fixedStart, QDateTime(QDate(2026, 11, 21), QTime(20, 30), paris));
+
+        QQuickItem *hours = findQuickItem(picker, QStringLiteral("hourWheel"));
+        QTRY_COMPARE(hours->property("currentIndex").toInt(), 20);
+        hours->forceActiveFocus();
+        QTest::keyClick(f.window.get(), Qt::Key_Down);
+        QTRY_COMPARE(f.draft.fixedStartHour(), 21);
+        QCOMPARE(f.draft.result().hardOutTime, std::nullopt); // the end time's wheels stay apart
+        keepScreenshot(f.window->grabWindow(), QStringLiteral("cueeditor-fixed-start"));
+        QTest::keyClick(f.window.get(), Qt::Key_Return);
+        QCOMPARE(f.catcher.saved.size(), 1);
+        QCOMPARE(f.catcher.saved.first().fixedStart, QDateTime(QDate(2026, 11, 21), QTime(21, 30), paris));
+
+        // Loaded with its fixed start, then unticked: the cue follows the one before again.
+        f.draft.load(f.catcher.saved.first(), f.clock);
+        QTRY_VERIFY(f.item("cueHasFixedStart")->property("checked").toBool());
+        QTRY_COMPARE(hours->property("currentIndex").toInt(), 21);
+        f.click("cueHasFixedStart");
+        QCOMPARE(f.draft.result().fixedStart, std::nullopt);
+    }
+
     void aLoadedEndTimeShowsOnTheWheels()
     {
         EditorFixture f(hardOutCue());
@@ -377,7 +411,7 @@ private slots:
         QVERIFY(f.open());
         QTRY_COMPARE(f.focusName(), QStringLiteral("cueNameField"));
         const QStringList order{"cueSpeakerField", "cueModeSegment0", "cueModeSegment1", "minutesStepper",
-                                "secondsStepper", "warningThresholdStepper", "dangerThresholdStepper",
+                                "secondsStepper", "cueHasFixedStart", "warningThresholdStepper", "dangerThresholdStepper",
                                 "autoFollowSwitch", "colourAutomatic"};
         for (const QString &next : order) {
             QTest::keyClick(f.window.get(), Qt::Key_Tab);

@@ -153,7 +153,7 @@ private slots:
     void editingChangesNothingOnTheNetworkUntilApplied()
     {
         SettingsFixture f;
-        f.network.attach(&f.engine);
+        f.network.attach(&f.engine, f.clock);
         const quint16 port = freeUdpPort();
         f.openTab(1);
         f.click("oscListenSwitch");
@@ -182,7 +182,7 @@ private slots:
         SettingsSandbox sandbox;
         QSettings().setValue("oscListenEnabled", true);
         AppFixture f;
-        f.network.attach(&f.engine);
+        f.network.attach(&f.engine, f.clock);
         f.network.osc().startListening(port); // a listener from earlier
         QTRY_VERIFY(!portIsFree(port));
         QVERIFY(!f.network.oscStatus());
@@ -211,7 +211,7 @@ private slots:
         QVERIFY(peer.waitForStarted());
         QTRY_VERIFY(!portIsFree(port));
         SettingsFixture f;
-        f.network.attach(&f.engine);
+        f.network.attach(&f.engine, f.clock);
         f.openTab(1);
         f.click("oscListenSwitch");
         f.type("oscListenPort", QString::number(port));
@@ -243,7 +243,7 @@ private slots:
         QVERIFY(peer.bind(QHostAddress::LocalHost, 0));
         SettingsFixture f;
         f.engine.loadSession(showOf({durationCue("Intro", 600)}));
-        f.network.attach(&f.engine);
+        f.network.attach(&f.engine, f.clock);
         f.openTab(1);
         f.click("oscSendSwitch");
         f.type("oscSendPort", QString::number(peer.localPort()));
