@@ -97,7 +97,9 @@ Standing standingOf(const ShowPlan &plan, const QList<Cue> &cues, const ShowPosi
         const int i = *position.activeIndex;
         const PlannedCue &p = planned(i);
         s.offsetSeconds = std::max(seconds(p.start, position.activeStartedAt), seconds(p.end, now));
-        s.freeAt = p.end.addMSecs(qint64(std::llround(s.offsetSeconds * 1000)));
+        s.freeAt = position.activeRemaining
+                       ? now.addMSecs(qint64(std::llround(std::max(0.0, *position.activeRemaining) * 1000)))
+                       : p.end.addMSecs(qint64(std::llround(s.offsetSeconds * 1000)));
         if (hasEndTime(cues[i]))
             s.freeAt = std::max(now, p.end); // an end time holds, whenever the cue began
         s.next = i + 1;

@@ -39,6 +39,9 @@ struct ShowPosition {
     QDateTime activeStartedAt;
     std::optional<int> lastEndedIndex;
     QDateTime lastEndedAt;
+    // What the active cue's clock has left, adjustments and pauses included: it ends that much
+    // after now (at once in overtime). Unknown: it runs its planned length from its start.
+    std::optional<double> activeRemaining;
 };
 
 // How the show runs against its plan.

@@ -66,6 +66,7 @@ ShowPosition TimerEngine::showPosition() const
     if (m_isRunning && m_activeCueIndex) {
         position.activeIndex = m_activeCueIndex;
         position.activeStartedAt = m_cueStartedAt;
+        position.activeRemaining = readClock().remaining;
         return position;
     }
     if (m_lastLeftCueID) {

@@ -154,6 +154,21 @@ private slots:
         status = ShowSchedule::status(plan, s.cues, position, at(20, 9, 30), paris);
         QCOMPARE(status.offsetSeconds, 0.0); // started on time, within its length
         QCOMPARE(ShowSchedule::offsetText(status.offsetSeconds), QStringLiteral("À l'heure"));
+
+        // Given two more minutes at 20:06 (eight left on its clock): the offset is what was
+        // spent, yet the cues to come now start two minutes later.
+        position = {0, at(20, 0), std::nullopt, {}, 480.0};
+        status = ShowSchedule::status(plan, s.cues, position, at(20, 6), paris);
+        QCOMPARE(status.offsetSeconds, 0.0);
+        QCOMPARE(status.expectedStarts[1], at(20, 14));
+        // Paused for a while: at 20:09 with the same eight minutes left.
+        status = ShowSchedule::status(plan, s.cues, position, at(20, 9), paris);
+        QCOMPARE(status.expectedStarts[1], at(20, 17));
+        // In overtime, the next cue can start now.
+        position.activeRemaining = -30.0;
+        status = ShowSchedule::status(plan, s.cues, position, at(20, 10, 30), paris);
+        QCOMPARE(status.offsetSeconds, 30.0);
+        QCOMPARE(status.expectedStarts[1], at(20, 10, 30));
     }
 
     void aCueStartedOutOfOrderIsMeasuredAgainstItsOwnStart()

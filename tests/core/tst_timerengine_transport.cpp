@@ -44,8 +44,10 @@ private slots:
         QCOMPARE(f.engine.showPosition().activeIndex, std::optional(1));
         QCOMPARE(f.engine.showPosition().activeStartedAt, t0);
         f.engine.pause();
-        f.engine.adjust(60); // an adjustment neither
+        QCOMPARE(f.engine.showPosition().activeRemaining, std::optional(580.0));
+        f.engine.adjust(60); // an adjustment neither, but the cue now ends a minute later
         QCOMPARE(f.engine.showPosition().activeStartedAt, t0);
+        QCOMPARE(f.engine.showPosition().activeRemaining, std::optional(640.0));
         f.engine.reset(); // a reset starts the cue over
         QCOMPARE(f.engine.showPosition().activeStartedAt, t0.addSecs(30));
 
