@@ -184,6 +184,19 @@ private slots:
         QCOMPARE(status.projectedEnd, at(21, 5));
     }
 
+    void theLastCueInOvertimeEndsTheShowNow()
+    {
+        const TimerSession s = gala();
+        const ShowPlan plan = *ShowSchedule::plan(s, paris);
+        // Clôture started on time at 21:00 for five minutes, three minutes over at 21:08.
+        const ShowPosition position{3, at(21, 0), std::nullopt, {}, -180.0};
+        const ScheduleStatus status = ShowSchedule::status(plan, s.cues, position, at(21, 8), paris);
+        QCOMPARE(status.offsetSeconds, 180.0);
+        QCOMPARE(status.projectedEnd, at(21, 8));
+        QCOMPARE(ShowSchedule::offsetText(status.offsetSeconds), QStringLiteral("Retard : +03:00"));
+        QCOMPARE(ShowSchedule::offset(plan, s.cues, position, at(21, 8)), 180.0);
+    }
+
     void betweenCuesTheOffsetCountsFromTheLastEnd()
     {
         const TimerSession s = gala();
