@@ -64,7 +64,7 @@ int main(int argc, char **argv)
     TimerEngine engine(clock, sound);
     engine.loadSession(showWithOneCue(36000));
     NetworkCoordinator coordinator;
-    coordinator.attach(&engine);
+    coordinator.attach(&engine, clock);
 
     // The engine operation is seen through the state hook, which goes on to the coordinator.
     std::atomic<qint64> operationAt{0};

@@ -110,7 +110,7 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
         if (!network.oscStatus())
             StartupTrace::mark("osc-listening");
     });
-    network.attach(&engine);
+    network.attach(&engine, clock);
     WebServer web(engine, clock);
     QObject::connect(&web, &WebServer::webStatusChanged, [&web] {
         if (web.webStatus())

@@ -1,5 +1,6 @@
 #include "networkcoordinator.h"
 
+#include "clock.h"
 #include "preferences.h"
 #include "timerengine.h"
 
@@ -7,11 +8,30 @@
 
 #include <cmath>
 
+namespace {
+const QString offsetAddress = QStringLiteral("/kairon/offset");
+
+// Milliseconds until std::lround of an offset growing one second per second changes: when it
+// crosses the next half second (just past it for a negative one, which rounds away from zero).
+// In whole milliseconds, as the clock gives its instants, so that no rounding error moves it.
+qint64 msUntilRoundedSecondChanges(double offset)
+{
+    const long rounded = std::lround(offset);
+    const qint64 ms = qint64(rounded) * 1000 + 500 - std::llround(offset * 1000) + (rounded < 0 ? 1 : 0);
+    return std::max<qint64>(ms, 1);
+}
+} // namespace
+
 NetworkCoordinator::NetworkCoordinator(QObject *parent) : QObject(parent) {}
 
-void NetworkCoordinator::attach(TimerEngine *engine)
+NetworkCoordinator::~NetworkCoordinator() = default;
+
+void NetworkCoordinator::attach(TimerEngine *engine, Clock &clock)
 {
     m_engine = engine;
+    m_offsetTimer = clock.createTimer([this] { sendOffsetChange(); });
+    // The clock may go with the engine: its timer goes first.
+    connect(engine, &QObject::destroyed, this, [this] { m_offsetTimer.reset(); });
     // Commands are handled on a later turn of the main loop, never inside the callback.
     m_osc.onCommand = [this](const OSCMessage &message) {
         m_queued.append(message);
@@ -97,6 +117,10 @@ void NetworkCoordinator::emitRemainingSecond(const TimerStateSnapshot &snapshot)
     m_osc.send(QStringLiteral("/kairon/remaining"), {float(snapshot.remaining)});
     m_osc.send(QStringLiteral("/kairon/running"), {qint32(snapshot.running ? 1 : 0)});
     m_osc.send(QStringLiteral("/kairon/cue"), {snapshot.cueName});
+    if (const std::optional<double> offset = m_engine ? m_engine->scheduleOffset() : std::nullopt) {
+        m_osc.send(offsetAddress, {float(*offset)});
+        m_lastOffsetSecond = std::lround(*offset);
+    }
 }
 
 void NetworkCoordinator::emitState(const TimerStateSnapshot &snapshot)
@@ -122,8 +146,11 @@ void NetworkCoordinator::scheduleStateChanges()
 void NetworkCoordinator::sendStateChanges()
 {
     const TimerEngine *engine = m_engine;
-    if (!m_sendStateChanges || !engine)
+    if (!m_sendStateChanges || !engine) {
+        if (m_offsetTimer)
+            m_offsetTimer->stop();
         return;
+    }
     using namespace OSCStateChange;
     const ShowState state = showStateOf(*engine);
     if (state != m_lastShowState) {
@@ -135,6 +162,28 @@ void NetworkCoordinator::sendStateChanges()
         m_lastOnAir = onAir;
         m_osc.send(QString::fromLatin1(messageAddress), onAir.arguments());
     }
+    sendOffsetChange();
+}
+
+void NetworkCoordinator::sendOffsetChange()
+{
+    const TimerEngine *engine = m_engine;
+    const std::optional<double> offset =
+        m_sendStateChanges && engine ? engine->scheduleOffset() : std::nullopt;
+    if (!offset) {
+        // A start time set again later goes out at once.
+        m_lastOffsetSecond.reset();
+        if (m_offsetTimer)
+            m_offsetTimer->stop();
+        return;
+    }
+    const long second = std::lround(*offset);
+    if (second != m_lastOffsetSecond) {
+        m_lastOffsetSecond = second;
+        m_osc.send(offsetAddress, {float(*offset)});
+    }
+    if (m_offsetTimer)
+        m_offsetTimer->start(msUntilRoundedSecondChanges(*offset));
 }
 
 void NetworkCoordinator::applyOSCSettings()
@@ -152,6 +201,7 @@ void NetworkCoordinator::applyOSCSettings()
     // Forgotten, so that the current state goes out now and a receiver starts from it.
     m_lastShowState.reset();
     m_lastOnAir.reset();
+    m_lastOffsetSecond.reset();
     sendStateChanges();
 }
 

@@ -10,13 +10,19 @@
 #include <QVariant>
 
 #include <limits>
+#include <memory>
+#include <optional>
 
+class Clock;
+class ClockTimer;
 class TimerEngine;
 
 // Binds remote control to the engine: received OSC commands become engine operations, and the
-// engine's state goes out as OSC messages at most once per whole second of remaining time.
+// engine's state goes out as OSC messages at most once per whole second of remaining time, with
+// the show's offset against its timetable ("/kairon/offset") when it has a start time.
 // When asked (preference oscSendStateChanges), each change of the transport or of the show
-// controls also goes out at once, as "/kairon/state" and "/kairon/message" (oscstatechange.h).
+// controls also goes out at once, as "/kairon/state" and "/kairon/message" (oscstatechange.h),
+// and so does each change of the offset's whole second.
 class NetworkCoordinator : public QObject
 {
     Q_OBJECT
@@ -25,10 +31,12 @@ class NetworkCoordinator : public QObject
 
 public:
     explicit NetworkCoordinator(QObject *parent = nullptr);
+    ~NetworkCoordinator() override;
 
     // Keeps the engine (weakly), takes over the OSC callbacks and the engine's state hook, then
-    // applies the stored OSC preferences.
-    void attach(TimerEngine *engine);
+    // applies the stored OSC preferences. `clock` is the engine's: it times the offset's
+    // changes between cues, and must outlive the engine.
+    void attach(TimerEngine *engine, Clock &clock);
     // Reads the stored OSC preferences afresh and (re)configures listening and sending. A port
     // never stored reads as 0 and disables its direction. With the changes of state asked for,
     // the current state goes out once, so that the receiver starts from it.
@@ -44,7 +52,9 @@ public:
     void emitState(const TimerStateSnapshot &snapshot);
     // Sends "/kairon/state" if the transport or a show control changed since it was last sent,
     // and "/kairon/message" if the message on air did: one message per change, none for a tick
-    // that only moves the clock. Does nothing unless the changes of state are asked for.
+    // that only moves the clock; then "/kairon/offset" if the offset's whole second (rounded, as
+    // the console shows it) changed, for a show with a start time. Does nothing unless the
+    // changes of state are asked for.
     void sendStateChanges();
     bool sendsStateChanges() const { return m_sendStateChanges; }
 
@@ -60,6 +70,9 @@ private:
     void handleQueuedCommands();
     void scheduleStateChanges();
     void emitRemainingSecond(const TimerStateSnapshot &snapshot);
+    // The offset goes out if its whole second changed; the timer is armed for the instant it
+    // would change next, since the offset grows between cues, when the engine does not tick.
+    void sendOffsetChange();
 
     OSCService m_osc;
     QPointer<TimerEngine> m_engine;
@@ -71,4 +84,6 @@ private:
     bool m_stateChangesScheduled = false;
     std::optional<OSCStateChange::ShowState> m_lastShowState; // as last sent
     std::optional<OSCStateChange::OnAir> m_lastOnAir;         // as last sent
+    std::optional<long> m_lastOffsetSecond;                   // as last sent, rounded
+    std::unique_ptr<ClockTimer> m_offsetTimer;
 };

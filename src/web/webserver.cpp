@@ -64,6 +64,7 @@ QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &
 WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
     : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock)
 {
+    m_scheduleTimer = clock.createTimer([this] { scheduleMoved(); });
     connect(&engine, &TimerEngine::aboutToNotify, this, &WebServer::onEngineChanged);
 }
 
@@ -111,6 +112,7 @@ void WebServer::stopServing()
     }
     m_viewers.clear();
     m_feed.forget();
+    followSchedule();
     delete m_http; // owns the gate once bound
     m_http = nullptr;
 }
@@ -268,11 +270,14 @@ void WebServer::acceptViewers()
             m_viewers.removeOne(viewer);
             viewer->deleteLater();
             // Nothing is sent while no one watches: the next viewer starts afresh.
-            if (m_viewers.isEmpty())
+            if (m_viewers.isEmpty()) {
                 m_feed.forget();
+                followSchedule();
+            }
         });
         welcome(viewer);
         m_viewers.append(viewer);
+        followSchedule();
     }
 }
 
@@ -347,6 +352,7 @@ void WebServer::onEngineChanged(bool sessionChanged)
         m_feed.showChanged();
     else
         m_feed.stateChanged();
+    followSchedule(); // the show may have gained or lost its start time
     if (m_viewers.isEmpty())
         return;
     if (!m_pushedThisTurn && pushChanges())
@@ -383,6 +389,21 @@ bool WebServer::pushChanges()
     }
     emit statePushed();
     return true;
+}
+
+void WebServer::followSchedule()
+{
+    if (m_viewers.isEmpty() || !m_engine.schedulePlan())
+        m_scheduleTimer->stop();
+    else
+        m_scheduleTimer->start(msUntilScheduleReadingChanges(m_clock.now().toMSecsSinceEpoch()));
+}
+
+void WebServer::scheduleMoved()
+{
+    m_feed.stateChanged();
+    pushChanges(); // nothing leaves unless the schedule (or anything else) changed
+    followSchedule();
 }
 
 void WebServer::send(QWebSocket *viewer, const QString &message)

@@ -11,9 +11,11 @@
 #include "codeguard.h"
 #include "viewerfeed.h"
 
+#include <memory>
 #include <optional>
 
 class Clock;
+class ClockTimer;
 class QHttpServerRequest;
 class QWebSocket;
 class RequestGate;
@@ -73,6 +75,10 @@ private:
     // Sends every viewer what changed, if anything did; whether a message left.
     bool pushChanges();
     void send(QWebSocket *viewer, const QString &message);
+    // While viewers watch a show with a start time, wakes at each change of the instant its
+    // schedule is read at: its offset grows between cues, when the engine does not tick.
+    void followSchedule();
+    void scheduleMoved();
 
     TimerEngine &m_engine;
     Clock &m_clock;
@@ -84,6 +90,7 @@ private:
     std::optional<QString> m_status;
     QList<QWebSocket *> m_viewers;
     ViewerFeed m_feed;
+    std::unique_ptr<ClockTimer> m_scheduleTimer;
     bool m_pushedThisTurn = false;
     bool m_endOfTurnScheduled = false;
 };

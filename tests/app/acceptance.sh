@@ -223,14 +223,14 @@ add_template 4 2 "Q&A 10 min"
 log "two cues added from templates"
 
 # The second cue: selected with a click, opened with Return. Its name is selected, ready to be
-# typed over; Tab then goes through the speaker, the two modes, the minutes, the seconds and the
-# warning threshold.
+# typed over; Tab then goes through the speaker, the two modes, the minutes, the seconds, the
+# fixed start's box and the warning threshold.
 click $((gx + 150)) "$(cue_row_y 1)"
 press Return
 poll 10 "the cue editor opens" editor_save_button
 xdotool type --delay 40 "Pitch express"
 press Tab Tab Tab Tab Down Down Down Down # 5 min → 1 min
-press Tab Tab Down                         # warning 60 s → 30 s
+press Tab Tab Tab Down                     # warning 60 s → 30 s
 # The auto-follow switch is clicked: Space, outside a text field, is the show's key.
 read -r x y < <(editor_save_button)
 click $((x - 363)) $((y - 216))            # auto-follow on

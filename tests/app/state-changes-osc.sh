@@ -2,7 +2,9 @@
 # The real program, driven by oscsend and heard by oscdump: with "Émettre aussi chaque
 # changement d'état" stored on, a pause and a stop each send /kairon/state with the transport's
 # flags, the cue's number and name and the show controls' flags; stored off, the same commands
-# send nothing of the kind, while the per-second messages go on as before.
+# send nothing of the kind, while the per-second messages go on as before. A show without a start
+# time sends no /kairon/offset; one with a start time sends it at each new whole second of its
+# offset while it waits, and after /kairon/cue with the per-second messages.
 # Usage: state-changes-osc.sh KAIRON_BINARY
 set -euo pipefail
 kairon=$1
@@ -21,13 +23,16 @@ wait_for() {
     done
     return 1
 }
-# A program of its own, with the switch stored as $1 (true or false).
+# A program of its own in $dir/$1, with the switch stored as $2 (true or false), and the show's
+# planned start $3 if given (an Internet date).
 start() {
     run=$dir/$1
     sandbox_home "$run"
-    osc_preferences "oscSendStateChanges=$1" splashDuration=1
-    cat > "$run/show.orvprjct" <<'JSON'
-{"name": "Soirée", "cues": [{"name": "Ouverture", "duration": 600}, {"name": "Débat", "duration": 900}]}
+    osc_preferences "oscSendStateChanges=$2" splashDuration=1
+    local planned=""
+    [[ $# -ge 3 ]] && planned="\"scheduledStart\": \"$3\", "
+    cat > "$run/show.orvprjct" <<JSON
+{"name": "Soirée", $planned"cues": [{"name": "Ouverture", "duration": 600}, {"name": "Débat", "duration": 900}]}
 JSON
     oscdump -L "$send" > "$run/received" 2>&1 &
     pids+=($!)
@@ -38,7 +43,7 @@ JSON
 command() { oscsend 127.0.0.1 "$listen" "$@"; }
 
 # ---- Stored on ----------------------------------------------------------------------------
-start true
+start on true
 # Applied at launch: the state as it stands goes out once, nothing running, no cue, no message.
 wait_for '/kairon/state iiisiii 0 0 0 "" 0 0 0$' || fail "no state at launch"
 wait_for '/kairon/message si "" 0$' || fail "no message at launch"
@@ -57,10 +62,13 @@ states=$(grep -c '/kairon/state ' "$run/received")
 ((states == 5)) || fail "$states state messages instead of 5"
 grep -q '/kairon/running i 1$' "$run/received" || fail "the per-second messages are gone"
 grep -q '/kairon/cue s "Ouverture"$' "$run/received" || fail "the per-second messages are gone"
+if grep -q '/kairon/offset ' "$run/received"; then
+    fail "an offset was sent for a show without a start time"
+fi
 echo "switch on: a state at launch, then one per change (play, pause, stop, blackout) and the message"
 
 # ---- Stored off ---------------------------------------------------------------------------
-start false
+start off false
 command /kairon/play
 wait_for '/kairon/running i 1$' || fail "the per-second messages are gone"
 command /kairon/pause
@@ -74,3 +82,21 @@ if grep -qE '/kairon/(state|message) ' "$run/received"; then
     fail "changes of state were sent with the switch off"
 fi
 echo "switch off: no /kairon/state nor /kairon/message"
+
+# ---- A show with a start time, the switch on ----------------------------------------------
+# Planned 150 s ago and not begun: 150 s late at launch, later each second while nothing runs.
+start planned true "$(date -u -d "@$(( $(date +%s) - 150 ))" +%Y-%m-%dT%H:%M:%SZ)"
+wait_for '/kairon/offset f 1[45][0-9]\.[0-9]+$' || fail "no offset at launch"
+sleep 3.5
+# The engine does not tick while no cue runs, yet every whole second of the offset (rounded, as
+# the console shows it) went out, none skipped.
+seconds=$(grep '/kairon/offset ' "$run/received" | awk '{printf "%d\n", $NF + 0.5}' | sort -nu)
+(( $(wc -l <<< "$seconds") >= 4 )) || fail "the offset did not go out at each new second: $seconds"
+awk 'NR > 1 && $1 != last + 1 { bad = 1 } { last = $1 } END { exit bad }' <<< "$seconds" \
+    || fail "a whole second of the offset was skipped: $seconds"
+command /kairon/play
+wait_for '/kairon/running i 1$' || fail "the per-second messages are gone"
+# With the per-second messages, right after the cue's name.
+grep -A1 '/kairon/cue s "Ouverture"$' "$run/received" | grep -qE '/kairon/offset f 1[45][0-9]\.' \
+    || fail "no offset after /kairon/cue"
+echo "start time: /kairon/offset at launch, at each new second while waiting, and after /kairon/cue"

@@ -47,6 +47,7 @@ expect "state lists the cues" "$(field '["cues"]')" \
 expect "a stopped clock has no next second" "$(field '["nextSecondAtMs"]')" 'null'
 expect "a stopped cue clock has no next second" "$(field '["liveNextSecondAtMs"]')" 'null'
 expect "the displays' calendar" "$(field '["locale"]')" '"fr"'
+expect "a show without a start time has no schedule" "$(field '["schedule"]')" 'null'
 
 # ---- Refusals change nothing ------------------------------------------------------------------
 bearer="Bearer $code"

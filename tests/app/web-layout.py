@@ -1,8 +1,8 @@
 """The layout of the web stage and confidence pages against long messages (see web-layout.sh).
 
-Usage: web-layout.py PORT CODE DIR
-The program already runs; it is driven over its HTTP API. With KAIRON_SCREENSHOT_DIR set, every
-case is kept as a picture.
+Usage: web-layout.py PORT CODE DIR SHOW_START_MS
+The program already runs, on a show planned to start at SHOW_START_MS (ms since the epoch); it is
+driven over its HTTP API. With KAIRON_SCREENSHOT_DIR set, every case is kept as a picture.
 """
 import asyncio
 import json
@@ -13,11 +13,11 @@ import urllib.request
 from cdp import Chromium
 from checks import check, finish
 
-port, code, workdir = int(sys.argv[1]), sys.argv[2], sys.argv[3]
+port, code, workdir, show_start_ms = int(sys.argv[1]), sys.argv[2], sys.argv[3], int(sys.argv[4])
 base = f"http://127.0.0.1:{port}"
 shots = os.environ.get("KAIRON_SCREENSHOT_DIR")
 
-GREEN, ACCENT = (46, 204, 113), (255, 107, 0)
+GREEN, ACCENT, DANGER = (46, 204, 113), (255, 107, 0), (231, 76, 60)
 TRACK = (35, 35, 37)  # white at 0.1 over the background (10, 10, 12)
 LINE_HEIGHT = 1.21    # of the pages' wrapped texts, in ems
 
@@ -36,6 +36,11 @@ def post(command, body=None):
                                      headers={"Authorization": f"Bearer {code}",
                                               "Content-Type": "application/json"})
     with urllib.request.urlopen(request) as answer:
+        return json.load(answer)
+
+
+def state():
+    with urllib.request.urlopen(f"{base}/api/state") as answer:
         return json.load(answer)
 
 
@@ -174,14 +179,69 @@ async def confidence_case(page, width, height, text):
         check(shown["size"] < full and lines * LINE_HEIGHT * shown["size"] <= 3 * LINE_HEIGHT * full + 1,
               f"{what}: {lines} lines of {shown['size']} px for {natural} at {full} px")
     check(0 <= message[0] and message[2] <= width and message[3] <= height, f"{what}: message at {message}")
-    check(clock[3] <= time[1] + 1 and time[3] <= message[1] and centre[1] <= time[1] and time[3] <= centre[3] + 0.5,
-          f"{what}: time {time}, centre {centre}, message {message}")
+    schedule = await rect(page, "schedule")
+    check(clock[3] <= schedule[1] + 1 and schedule[3] <= time[1] + 1 and time[3] <= message[1]
+          and centre[1] <= time[1] and time[3] <= centre[3] + 0.5,
+          f"{what}: clock {clock}, schedule {schedule}, time {time}, centre {centre}, message {message}")
     words = await ink(page, message, ACCENT, tolerance=10)
     check(words is not None and words[3] - words[1] > (lines - 1) * LINE_HEIGHT * shown["size"],
           f"{what}: the message's ink {words} for {lines} lines")
     digits = await ink(page, time, GREEN)
     check(digits is not None and digits[1] > time[1] and digits[3] < time[3] and digits[2] - digits[0] > width * 0.2,
           f"{what}: digits' ink {digits} in {time}")
+
+
+def check_schedule_document():
+    """GET /api/state: the show 5 min 40 s to 6 min 30 s late, its first cue running."""
+    s = state()
+    schedule = s["schedule"]
+    offset = schedule["offsetSeconds"]
+    check(330 <= offset < 390 and offset == int(offset), f"offset {offset} s")
+    check(schedule["showStartMs"] == show_start_ms, f"show start {schedule['showStartMs']}, not {show_start_ms}")
+    check(schedule["text"] == "Programme : +6 min de retard", f"schedule text {schedule['text']!r}")
+    check(schedule["color"] == "#E74C3C", f"schedule colour {schedule['color']}")
+    planned = [show_start_ms, show_start_ms + 600_000]
+    rows = [{"plannedStartMs": c["plannedStartMs"], "expectedStartMs": c["expectedStartMs"]} for c in s["cues"]]
+    check(schedule["cues"] == rows, f"schedule.cues {schedule['cues']} against the rows {rows}")
+    check([r["plannedStartMs"] for r in rows] == planned, f"planned starts {rows}")
+    # The second cue when the first one's clock runs out.
+    expected = rows[1]["expectedStartMs"]
+    runs_out = s["serverTimeMs"] + s["liveRemaining"] * 1000
+    check(rows[0]["expectedStartMs"] is None and expected is not None and abs(expected - runs_out) <= 2,
+          f"expected starts {rows}, the first cue's clock running out at {runs_out}")
+    end = schedule["projectedEndMs"]
+    check(end % 1000 == 0 and expected is not None and end == (expected + 1_200_000) // 1000 * 1000,
+          f"projected end {end}, the second cue expected at {expected}")
+
+
+async def schedule_case(page, width, height):
+    """The line under the wall clock: its text in the danger red, left-aligned with the clock, in
+    Inter SemiBold at 3 % of the page's width."""
+    what = f"confidence schedule {width}x{height}"
+    await page.set_viewport(width, height)
+    await settle(page)
+    await shoot(page, f"web-confidence-schedule-{width}x{height}")
+    shown = await page.evaluate("""(() => {
+        const s = document.getElementById('schedule');
+        const style = getComputedStyle(s);
+        return {text: s.textContent, hidden: s.hidden, size: parseFloat(style.fontSize),
+                weight: style.fontWeight, family: style.fontFamily, colour: style.color,
+                scrollWidth: s.scrollWidth, clientWidth: s.clientWidth}; })()""")
+    check(shown["text"] == "Programme : +6 min de retard" and not shown["hidden"], f"{what}: {shown}")
+    check(abs(shown["size"] - max(14, width * 0.03)) < 0.05 and shown["weight"] == "600"
+          and shown["family"].split(",")[0].strip('"') == "Inter", f"{what}: font {shown}")
+    check(shown["colour"] == "rgb(231, 76, 60)", f"{what}: colour {shown['colour']}")
+    check(shown["scrollWidth"] <= shown["clientWidth"], f"{what}: the line is cut: {shown}")
+    schedule = await rect(page, "schedule")
+    clock = await rect(page, "wall-clock")
+    time = await rect(page, "time")
+    check(abs(schedule[0] - clock[0]) <= 1 and abs(schedule[1] - clock[3]) <= 1 and schedule[3] <= time[1] + 1,
+          f"{what}: clock {clock}, schedule {schedule}, time {time}")
+    words = await ink(page, schedule, DANGER, tolerance=10)
+    check(words is not None and words[0] - schedule[0] < shown["size"] and words[2] - words[0] > width * 0.2,
+          f"{what}: the red ink {words} in {schedule}")
+    digits = await ink(page, time, GREEN)
+    check(digits is not None and digits[1] > time[1] and digits[3] < time[3], f"{what}: digits' ink {digits} in {time}")
 
 
 async def run():
@@ -202,6 +262,10 @@ async def run():
         for width, height in [(844, 390), (700, 400), (1280, 720), (1920, 1080), (3840, 2160)]:
             for lines in (1, 2, 3):
                 await stage_case(stage, width, height, lines)
+        check_schedule_document()
+        await confidence.wait_for("document.getElementById('schedule').textContent !== ''", 5, "the schedule line")
+        for width, height in [(1920, 1080), (1280, 720), (390, 844)]:
+            await schedule_case(confidence, width, height)
         for width, height in [(1920, 1080), (390, 844), (844, 390)]:
             for text in (SIXTY_FIVE, HUNDRED_FIFTY):
                 await confidence_case(confidence, width, height, text)
@@ -210,4 +274,4 @@ async def run():
 
 
 asyncio.run(run())
-finish("web layout: banners, messages, digits and bars whole at every size")
+finish("web layout: banners, messages, digits, bars and the schedule line whole at every size")

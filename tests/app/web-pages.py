@@ -325,6 +325,13 @@ async def scenario(app, browser):
           "idle confidence has no speaker and no cue")
     check(await text(confidence, "next-text") == "Suivant : Débat", "idle confidence shows what comes next")
     await expect_colour(confidence, "time", MUTED, "idle confidence digits muted")
+    # A show without a start time: no timetable anywhere.
+    s = state()
+    check(s["schedule"] is None, f"no schedule without a start time: {s['schedule']}")
+    check(all("plannedStartMs" not in c and "expectedStartMs" not in c for c in s["cues"]),
+          "no cue times without a start time")
+    check(not await visible(confidence, "schedule") and await text(confidence, "schedule") == "",
+          "no schedule line without a start time")
 
     # ---- Running: green, texts, digit timing ----
     post("play")
@@ -336,6 +343,7 @@ async def scenario(app, browser):
     await expect_colour(confidence, "time", GREEN, "running confidence digits green")
     await expect_colour(confidence, "speaker", ACCENT, "speaker in the accent colour", tolerance=10,
                         minimum=0.005)
+    check(not await visible(confidence, "schedule"), "no schedule line while a show without a start time runs")
     deltas = await digit_timing(app, stage, confidence, skewed)
     await skewed.call("Page.close")
     await shoot({**pages, "index": index}, "running")

@@ -47,12 +47,15 @@ struct Peer {
         }, 5000);
     }
     // The datagrams of the messages sent on each change of state, in order.
-    QList<QByteArray> changes() const
+    QList<QByteArray> changes() const { return of({"/kairon/state", "/kairon/message"}); }
+    // The datagrams sent to these addresses, in order.
+    QList<QByteArray> of(std::initializer_list<const char *> addresses) const
     {
         QList<QByteArray> found;
         for (qsizetype i = 0; i < received.size(); ++i)
-            if (received[i].address == QLatin1StringView("/kairon/state")
-                || received[i].address == QLatin1StringView("/kairon/message"))
+            if (std::any_of(addresses.begin(), addresses.end(), [&](const char *address) {
+                    return received[i].address == QLatin1StringView(address);
+                }))
                 found << raw[i];
         return found;
     }
@@ -85,6 +88,26 @@ QByteArray messageMessage(const char *text, bool urgent)
 {
     return OSCCodec::encode(QStringLiteral("/kairon/message"),
                             {QString::fromUtf8(text), qint32(urgent)});
+}
+
+QByteArray offsetMessage(float seconds)
+{
+    return OSCCodec::encode(QStringLiteral("/kairon/offset"), {seconds});
+}
+
+// The fixture's show given a planned start at 14:00 in Paris, the fixture's clock's start.
+void startShowAtTwoPM(TimerEngine &engine)
+{
+    TimerSession edited = engine.session();
+    edited.scheduledStart = QDateTime(QDate(2026, 11, 21), QTime(14, 0), QTimeZone("Europe/Paris"));
+    engine.updateProjectInfo(edited);
+}
+
+void takeShowStartOff(TimerEngine &engine)
+{
+    TimerSession edited = engine.session();
+    edited.scheduledStart.reset();
+    engine.updateProjectInfo(edited);
 }
 
 void storeSendingTo(quint16 port, bool stateChanges)
@@ -121,7 +144,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("A", 600), durationCue("B", 300), durationCue("C", 60)}));
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
 
         c.handleCommand(command("/kairon/play"));
         QVERIFY(f.engine.isRunning());
@@ -160,7 +183,7 @@ private slots:
         f.engine.loadSession(showOf({durationCue("A", 600)}));
         f.engine.start();
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         c.handleCommand(command("/kairon/adjust")); // a float argument arrives as none
         c.handleCommand(command("/kairon/adjust", QStringLiteral("-30")));
         QCOMPARE(f.engine.plannedDuration(), 600.0);
@@ -178,7 +201,7 @@ private slots:
     {
         EngineFixture f;
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         int hooks = 0;
         f.engine.setOnStateChange([&](const TimerStateSnapshot &s) {
             ++hooks;
@@ -195,7 +218,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("A", 600)}));
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         c.osc().onCommand(command("/kairon/play"));
         QVERIFY(!f.engine.isRunning());
         QCoreApplication::sendPostedEvents();
@@ -207,7 +230,7 @@ private slots:
         NetworkCoordinator c;
         {
             EngineFixture f;
-            c.attach(&f.engine);
+            c.attach(&f.engine, f.clock);
         }
         c.handleCommand(command("/kairon/play"));
     }
@@ -219,7 +242,7 @@ private slots:
         Peer peer;
         EngineFixture f;
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
 
         c.emitState(state(12.9)); // the first is always sent
         c.emitState(state(12.1));
@@ -245,7 +268,7 @@ private slots:
         Peer peer;
         EngineFixture f;
         NetworkCoordinator c;
-        c.attach(&f.engine); // sending never enabled
+        c.attach(&f.engine, f.clock); // sending never enabled
         c.emitState(state(30.5));
         Preferences::setOscSendEnabled(true);
         Preferences::setOscSendPort(sendPort);
@@ -265,7 +288,7 @@ private slots:
         QSignalSpy status(&c, &NetworkCoordinator::oscStatusChanged);
         Preferences::setOscListenEnabled(true);
         Preferences::setOscListenPort(listenPort);
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         QVERIFY(status.wait(5000));
         QVERIFY(!c.property("oscStatus").isValid());
         QUdpSocket peer;
@@ -302,6 +325,132 @@ private slots:
         QCOMPARE(OSCCodec::encode(QStringLiteral("/kairon/message"), onAir.arguments()), message);
     }
 
+    void theOffsetIsAFloatAsOSCWantsIt()
+    {
+        const QByteArray offset = QByteArray::fromHex(
+            "2f6b6169726f6e2f6f66667365740000"  // "/kairon/offset"
+            "2c660000"                          // ",f"
+            "c2f10000");                        // -120.5, big-endian IEEE 754
+        QCOMPARE(offsetMessage(-120.5f), offset);
+    }
+
+    // A 10 min cue planned at 14:00, begun at 14:01:30.
+    void theOffsetTravelsWithTheWholeSecondsOfAShowWithAStartTime()
+    {
+        storeSendingTo(sendPort, false);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600)}));
+        startShowAtTwoPM(f.engine);
+        NetworkCoordinator c;
+        c.attach(&f.engine, f.clock);
+        f.clock.advance(90s);
+        QCOMPARE(f.clock.nextDeadline(), std::nullopt); // nothing armed outside the changes' mode
+        f.engine.start(0); // the first whole second
+        c.emitState(state(12.9));
+        c.emitState(state(12.1)); // the same second: nothing
+        c.emitState(state(11.99));
+        takeShowStartOff(f.engine);
+        c.emitState(state(10.5));
+        const QList<OSCMessage> got = peer.waitFor(15);
+        QCOMPARE(got.size(), 15);
+        const auto second = [](float remaining, const char *cue) {
+            return QList<QByteArray>{OSCCodec::encode(QStringLiteral("/kairon/remaining"), {remaining}),
+                                     OSCCodec::encode(QStringLiteral("/kairon/running"), {qint32(1)}),
+                                     OSCCodec::encode(QStringLiteral("/kairon/cue"), {QString::fromUtf8(cue)})};
+        };
+        QCOMPARE(peer.raw, second(600.0f, "A") + QList{offsetMessage(90.0f)} + second(12.9f, "Keynote")
+                               + QList{offsetMessage(90.0f)} + second(11.99f, "Keynote")
+                               + QList{offsetMessage(90.0f)} + second(10.5f, "Keynote"));
+    }
+
+    // A 1 min cue planned at 14:00, run from 14:00 and left at 14:03: the show waits for the
+    // next cue, 120 s late and later each second, while the engine does not tick.
+    void theOffsetGoesOutAtOnceOnEachChangeOfItsRoundedSecond()
+    {
+        storeSendingTo(sendPort, true);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 60), durationCue("Débat", 300)}));
+        startShowAtTwoPM(f.engine);
+        f.engine.start(0);
+        f.clock.jump(180s);
+        f.engine.stop();
+        NetworkCoordinator c;
+        c.attach(&f.engine, f.clock); // the current state, the offset with it
+        QCOMPARE(f.clock.nextDeadline(), f.clock.monotonicMs() + 500); // at 120.5 s
+
+        // Two and a half seconds: at each half second, read then (the whole seconds of the
+        // remaining time do not move, the clock stands).
+        f.clock.advance(2500ms);
+        // The next change: the whole seconds go out with the offset, after them; its rounded
+        // second has not changed, so the changes of state add none.
+        f.engine.toggleFreeze();
+        const QList<QByteArray> expected{
+            stateMessage(false, false, 1, "Ouverture"), messageMessage("", false), offsetMessage(120.0f),
+            offsetMessage(120.5f), offsetMessage(121.5f), offsetMessage(122.5f),
+            OSCCodec::encode(QStringLiteral("/kairon/remaining"), {-120.0f}),
+            OSCCodec::encode(QStringLiteral("/kairon/running"), {qint32(0)}),
+            OSCCodec::encode(QStringLiteral("/kairon/cue"), {QStringLiteral("Ouverture")}),
+            offsetMessage(122.5f), stateMessage(false, false, 1, "Ouverture", false, true)};
+        peer.readUntil([&] { return peer.raw.size() >= expected.size(); });
+        QCOMPARE(peer.raw, expected);
+        const auto sent = [&] { return peer.of({"/kairon/state", "/kairon/message", "/kairon/offset"}); };
+        const QList<QByteArray> changes = sent();
+
+        // The start taken off: nothing armed, nothing sent; set again: the offset at once.
+        takeShowStartOff(f.engine);
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(f.clock.nextDeadline(), std::nullopt);
+        f.clock.advance(3s); // 14:03:05.5
+        startShowAtTwoPM(f.engine);
+        QCoreApplication::sendPostedEvents();
+        peer.readUntil([&] { return sent().size() >= changes.size() + 1; });
+        QCOMPARE(sent(), changes + QList{offsetMessage(125.5f)});
+        QCOMPARE(f.clock.nextDeadline(), f.clock.monotonicMs() + 1000);
+    }
+
+    // Early: the first cue left 53 s before its planned end. Waiting brings the offset back up
+    // towards zero; a negative half second rounds away from zero, so it changes just after it.
+    void anEarlyOffsetGoesOutAsTheShowWaits()
+    {
+        storeSendingTo(sendPort, true);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 60), durationCue("Débat", 300)}));
+        startShowAtTwoPM(f.engine);
+        f.engine.start(0);
+        f.clock.jump(7s);
+        f.engine.stop();
+        NetworkCoordinator c;
+        c.attach(&f.engine, f.clock);
+        QCOMPARE(f.clock.nextDeadline(), f.clock.monotonicMs() + 501);
+        f.clock.advance(1501ms);
+        f.engine.toggleFreeze(); // the next change: everything before it has arrived with it
+        const auto sent = [&] { return peer.of({"/kairon/offset"}); };
+        peer.readUntil([&] { return peer.count("/kairon/state") >= 2; });
+        QCOMPARE(sent(), (QList{offsetMessage(-53.0f), offsetMessage(-52.499f), offsetMessage(-51.499f),
+                                offsetMessage(-51.499f)}));
+    }
+
+    void withTheSwitchOffTheOffsetWaitsForTheWholeSeconds()
+    {
+        storeSendingTo(sendPort, false);
+        Peer peer;
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("Ouverture", 60)}));
+        startShowAtTwoPM(f.engine);
+        NetworkCoordinator c;
+        c.attach(&f.engine, f.clock);
+        f.clock.advance(5s);
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(f.clock.nextDeadline(), std::nullopt);
+        f.engine.start(0); // the first whole second, with the offset of 5 s
+        peer.readUntil([&] { return peer.count("/kairon/offset") >= 1; });
+        QCOMPARE(peer.of({"/kairon/offset"}), QList{offsetMessage(5.0f)});
+        QCOMPARE(peer.received.size(), 4);
+    }
+
     void everyChangeOfTheTransportAndTheShowControlsGoesOutAtOnce()
     {
         storeSendingTo(sendPort, true);
@@ -309,7 +458,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("Ouverture", 600), durationCue("Débat", 300)}));
         NetworkCoordinator c;
-        c.attach(&f.engine); // the current state goes out once, so that the receiver starts from it
+        c.attach(&f.engine, f.clock); // the current state goes out once, so that the receiver starts from it
         QList<QByteArray> expected{stateMessage(false, false, 0, ""), messageMessage("", false)};
 
         // Each operation, then exactly the messages it should send, in order.
@@ -368,7 +517,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("Ouverture", 5)}));
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         f.engine.start();
         for (int i = 0; i < 80; ++i) { // eight seconds, into overtime
             f.clock.advance(100ms);
@@ -391,7 +540,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("Ouverture", 600), durationCue("Débat", 300)}));
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         QVERIFY(!c.sendsStateChanges());
         c.handleCommand(command("/kairon/play"));
         f.engine.pause();
@@ -417,7 +566,7 @@ private slots:
         EngineFixture f;
         f.engine.loadSession(showOf({durationCue("Ouverture", 600)}));
         NetworkCoordinator c;
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         Preferences::setOscSendStateChanges(true);
         f.engine.start(); // stored but not applied: no change goes out
         QVERIFY(!c.sendsStateChanges());
@@ -448,7 +597,7 @@ private slots:
         QSignalSpy status(&c, &NetworkCoordinator::oscStatusChanged);
         Preferences::setOscListenEnabled(true);
         Preferences::setOscListenPort(listenPort);
-        c.attach(&f.engine);
+        c.attach(&f.engine, f.clock);
         QVERIFY(status.wait(5000));
         QVERIFY(c.oscStatus()->startsWith(QStringLiteral("Port 53321 indisponible (")));
         QVERIFY(c.oscStatus()->endsWith(QStringLiteral("). Déjà utilisé ? (QLab = 53000)")));

@@ -104,7 +104,7 @@ private slots:
         engine().loadSession(showOf({durationCue("A", 600), durationCue("B", 300), durationCue("C", 60)}));
         m_coordinator = std::make_unique<NetworkCoordinator>();
         QSignalSpy status(m_coordinator.get(), &NetworkCoordinator::oscStatusChanged);
-        m_coordinator->attach(&engine());
+        m_coordinator->attach(&engine(), m_fixture->clock);
         QVERIFY(status.wait(5000));
         QVERIFY(!m_coordinator->oscStatus());
     }

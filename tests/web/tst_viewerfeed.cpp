@@ -77,16 +77,23 @@ QJsonObject withNulls(QJsonObject doc)
     return doc;
 }
 
-// The state document without the cues' own "active" (the viewers have the active row).
+// The state document without the cues' own "active" (the viewers have the active row) nor
+// their times in the timetable (GET /api/state alone lists them).
 QJsonObject asViewersHoldIt(QJsonObject doc)
 {
     QJsonArray cues = doc.value(u"cues").toArray();
     for (qsizetype i = 0; i < cues.size(); ++i) {
         QJsonObject cue = cues.at(i).toObject();
-        cue.remove(u"active");
+        for (const char *key : {"active", "plannedStartMs", "expectedStartMs"})
+            cue.remove(QLatin1StringView(key));
         cues.replace(i, cue);
     }
     doc.insert(u"cues", cues);
+    if (doc.value(u"schedule").isObject()) {
+        QJsonObject schedule = doc.value(u"schedule").toObject();
+        schedule.remove(u"cues");
+        doc.insert(u"schedule", schedule);
+    }
     return withNulls(doc);
 }
 
@@ -180,6 +187,105 @@ private slots:
         QCOMPARE(state.value(u"nextSecondAtMs").toDouble(), nowMs + 750);
         QCOMPARE(state.value(u"cueName").toString(), QStringLiteral("Ouverture"));
         QCOMPARE(state.value(u"nextCueName").toString(), QStringLiteral("Débat"));
+        QVERIFY(state.contains(u"schedule") && state.value(u"schedule").isNull()); // no start time
+        QTRY_COMPARE(differenceFromTheProgram(held(viewer.received), serving), QString());
+    }
+
+    // A 1 min and B 5 min from 14:00; A run from 14:03:20 and left at once: the show waits for
+    // B, planned at 14:01, and its offset grows each second though the engine does not tick.
+    void aLateShowBetweenCuesPatchesTheViewersOncePerWholeSecond()
+    {
+        ServingFixture serving({durationCue(QStringLiteral("A"), 60), durationCue(QStringLiteral("B"), 300)});
+        auto &[f, server] = serving;
+        RecordingViewer viewer(server.serverPort());
+        QTRY_COMPARE(viewer.received.size(), 2);
+        QVERIFY(viewer.received[1].value(u"schedule").isNull());
+
+        f.clock.advance(200s);
+        f.engine.start(0);
+        f.engine.stop();
+        QTRY_COMPARE(differenceFromTheProgram(held(viewer.received), serving), QString());
+        QCOMPARE(f.engine.isTickerRunning(), false);
+        QVERIFY(viewer.received.last().value(u"schedule").isUndefined()); // still no start time
+
+        // The start set while the viewer watches: one patch with the schedule alone, 140 s late.
+        const qsizetype before = viewer.received.size();
+        const double seq = viewer.received.last().value(u"seq").toDouble();
+        setShowStart(f.engine, parisTime(14, 0));
+        QTRY_COMPARE(viewer.received.size(), before + 1);
+        const auto patch = [](double seq, int offset, int endSecond) {
+            return QJsonObject{{"type", "patch"}, {"seq", seq},
+                               {"schedule", QJsonObject{{"showStartMs", parisMs(14, 0)},
+                                                        {"offsetSeconds", offset},
+                                                        {"projectedEndMs", parisMs(14, 8, endSecond)},
+                                                        {"text", "Programme : +2 min de retard"},
+                                                        {"color", "#F1C40F"}}}};
+        };
+        QCOMPARE(viewer.received.last(), patch(seq + 1, 140, 20));
+
+        // Three seconds in steps of 100 ms: a patch at each half second of the wall clock, when
+        // the offset's rounded second changes, and none at the other steps.
+        QSignalSpy pushed(&server, &WebServer::statePushed);
+        QList<int> pushedAtStep;
+        for (int step = 1; step <= 30; ++step) {
+            const qsizetype pushesBefore = pushed.size();
+            f.clock.advance(100ms);
+            if (pushed.size() != pushesBefore)
+                pushedAtStep << step;
+        }
+        QCOMPARE(pushedAtStep, (QList<int>{5, 15, 25}));
+        QTRY_COMPARE(viewer.received.size(), before + 4);
+        for (int k = 1; k <= 3; ++k)
+            QCOMPARE(viewer.received[before + k], patch(seq + 1 + k, 140 + k, 20 + k));
+        QTRY_COMPARE(differenceFromTheProgram(held(viewer.received), serving), QString());
+
+        // The start taken off: the schedule goes null, and the seconds send nothing more.
+        setShowStart(f.engine, std::nullopt);
+        QTRY_COMPARE(viewer.received.size(), before + 5);
+        QCOMPARE(viewer.received.last(),
+                 (QJsonObject{{"type", "patch"}, {"seq", seq + 5}, {"schedule", QJsonValue::Null}}));
+        const qsizetype pushes = pushed.size();
+        f.clock.advance(3s);
+        QCoreApplication::processEvents();
+        QCOMPARE(pushed.size(), pushes);
+        QCOMPARE(viewer.received.size(), before + 5);
+    }
+
+    // A 1 min and B 5 min from 14:00, A begun on time: its clock runs down and the projected
+    // end stands; in overtime the show is late by as much, one patch a second, not one a tick.
+    void aCueInOvertimePatchesTheScheduleOncePerWholeSecondNotEachTick()
+    {
+        ServingFixture serving({durationCue(QStringLiteral("A"), 60), durationCue(QStringLiteral("B"), 300)});
+        auto &[f, server] = serving;
+        setShowStart(f.engine, parisTime(14, 0));
+        f.engine.start(0);
+        RecordingViewer viewer(server.serverPort());
+        QTRY_COMPARE(viewer.received.size(), 2);
+        const QJsonObject onTime{{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", 0},
+                                 {"projectedEndMs", parisMs(14, 6)}, {"text", "Programme : à l'heure"},
+                                 {"color", "#B8B8C0"}};
+        QCOMPARE(viewer.received[1].value(u"schedule").toObject(), onTime);
+
+        // To 14:01:03 in ticks of 100 ms: nothing until A's planned end, then a patch at each
+        // half second of the wall clock.
+        QSignalSpy pushed(&server, &WebServer::statePushed);
+        QList<int> pushedAtStep;
+        for (int step = 1; step <= 630; ++step) {
+            const qsizetype pushesBefore = pushed.size();
+            f.clock.advance(100ms);
+            QCOMPARE(f.engine.isTickerRunning(), true);
+            if (pushed.size() != pushesBefore)
+                pushedAtStep << step;
+        }
+        QCOMPARE(pushedAtStep, (QList<int>{605, 615, 625}));
+        const double seq = viewer.received[1].value(u"seq").toDouble();
+        QTRY_COMPARE(viewer.received.size(), 5);
+        for (int k = 1; k <= 3; ++k) {
+            QJsonObject late = onTime;
+            late.insert(u"offsetSeconds", k);
+            late.insert(u"projectedEndMs", parisMs(14, 6, k));
+            QCOMPARE(viewer.received[1 + k], (QJsonObject{{"type", "patch"}, {"seq", seq + k}, {"schedule", late}}));
+        }
         QTRY_COMPARE(differenceFromTheProgram(held(viewer.received), serving), QString());
     }
 

@@ -191,6 +191,138 @@ private slots:
         Fmt::setLocale(QLocale::system());
     }
 
+    void aShowWithoutAStartTimeHasNoSchedule()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue("A", 600), durationCue("B", 300)}));
+        f.engine.start();
+        const QJsonObject live = webLiveDocument(f.engine, f.clock);
+        QVERIFY(live.contains(u"schedule"));
+        QVERIFY(live.value(u"schedule").isNull());
+        const QJsonObject doc = webStateDocument(f.engine, f.clock);
+        QVERIFY(doc.contains(u"schedule"));
+        QVERIFY(doc.value(u"schedule").isNull());
+        QStringList keys = doc.value(u"cues").toArray()[1].toObject().keys();
+        keys.sort();
+        QCOMPARE(keys, (QStringList{"active", "color", "colorHex", "dangerThreshold", "duration", "name",
+                                    "speaker", "warningThreshold"}));
+    }
+
+    // A 10 min, B 5 min and C 15 min from 14:00: planned at 14:00, 14:10 and 14:15, to end at
+    // 14:30. The schedule is read at the wall clock's nearest whole second.
+    void theScheduleSaysHowTheShowRunsAgainstItsTimetable()
+    {
+        EngineFixture f; // 14:00:00 in Paris
+        TimerSession show = showOf({durationCue("A", 600), durationCue("B", 300), durationCue("C", 900)});
+        show.scheduledStart = parisTime(14, 0);
+        f.engine.loadSession(show);
+        const QJsonValue none(QJsonValue::Null);
+        const auto cueTimes = [](double planned, const QJsonValue &expected) {
+            return QJsonObject{{"plannedStartMs", planned}, {"expectedStartMs", expected}};
+        };
+        // The state document's schedule, the live document's (the same without the cues), and
+        // each row of the cues carrying its own times.
+        const auto checkSchedule = [&](const QJsonObject &expected) {
+            const QJsonObject doc = webStateDocument(f.engine, f.clock);
+            QCOMPARE(doc.value(u"schedule").toObject(), expected);
+            QJsonObject live = expected;
+            live.remove(u"cues");
+            QCOMPARE(webLiveDocument(f.engine, f.clock).value(u"schedule").toObject(), live);
+            const QJsonArray rows = doc.value(u"cues").toArray();
+            const QJsonArray times = expected.value(u"cues").toArray();
+            QCOMPARE(rows.size(), times.size());
+            for (qsizetype i = 0; i < rows.size(); ++i) {
+                const QJsonObject row = rows[i].toObject();
+                QCOMPARE(row.value(u"plannedStartMs"), times[i].toObject().value(u"plannedStartMs"));
+                QCOMPARE(row.value(u"expectedStartMs"), times[i].toObject().value(u"expectedStartMs"));
+                QCOMPARE(row.value(u"name").toString(), show.cues[i].name);
+            }
+        };
+
+        // At its start, nothing begun: on time, every cue still to come where it is planned.
+        checkSchedule({{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", 0}, {"projectedEndMs", parisMs(14, 30)},
+                       {"text", "Programme : à l'heure"}, {"color", "#B8B8C0"},
+                       {"cues", QJsonArray{cueTimes(parisMs(14, 0), parisMs(14, 0)),
+                                           cueTimes(parisMs(14, 10), parisMs(14, 10)),
+                                           cueTimes(parisMs(14, 15), parisMs(14, 15))}}});
+        if (QTest::currentTestFailed())
+            return;
+
+        // A begun at 14:04:30.4: 270.4 s late, the cues after it later by as much; the projected
+        // end is cut to its whole second.
+        f.clock.advance(270400ms);
+        f.engine.start(0);
+        checkSchedule({{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", 270},
+                       {"projectedEndMs", parisMs(14, 34, 30)},
+                       {"text", "Programme : +5 min de retard"}, {"color", "#F1C40F"},
+                       {"cues", QJsonArray{cueTimes(parisMs(14, 0), none),
+                                           cueTimes(parisMs(14, 10), parisMs(14, 14, 30, 400)),
+                                           cueTimes(parisMs(14, 15), parisMs(14, 19, 30, 400))}}});
+        if (QTest::currentTestFailed())
+            return;
+
+        // Two minutes taken off A: the cues after it come as much earlier, the offset stays.
+        f.clock.advance(30s);
+        f.engine.adjust(-120);
+        checkSchedule({{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", 270},
+                       {"projectedEndMs", parisMs(14, 32, 30)},
+                       {"text", "Programme : +5 min de retard"}, {"color", "#F1C40F"},
+                       {"cues", QJsonArray{cueTimes(parisMs(14, 0), none),
+                                           cueTimes(parisMs(14, 10), parisMs(14, 12, 30, 400)),
+                                           cueTimes(parisMs(14, 15), parisMs(14, 17, 30, 400))}}});
+        if (QTest::currentTestFailed())
+            return;
+
+        // A left after a minute, at 14:05:30.4, read at 14:05:30: 269.6 s early. B may go at
+        // once, the show then as early.
+        f.clock.advance(30s);
+        f.engine.stop();
+        checkSchedule({{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", -270},
+                       {"projectedEndMs", parisMs(14, 25, 30)},
+                       {"text", "Programme : 5 min d'avance"}, {"color", "#2ECC71"},
+                       {"cues", QJsonArray{cueTimes(parisMs(14, 0), none),
+                                           cueTimes(parisMs(14, 10), parisMs(14, 5, 30)),
+                                           cueTimes(parisMs(14, 15), parisMs(14, 10, 30))}}});
+        if (QTest::currentTestFailed())
+            return;
+
+        // Still waiting at 14:16:40.4, read at 14:16:40: B 400 s past its planned start, and
+        // expected now.
+        f.clock.advance(670s);
+        checkSchedule({{"showStartMs", parisMs(14, 0)}, {"offsetSeconds", 400},
+                       {"projectedEndMs", parisMs(14, 36, 40)},
+                       {"text", "Programme : +7 min de retard"}, {"color", "#E74C3C"},
+                       {"cues", QJsonArray{cueTimes(parisMs(14, 0), none),
+                                           cueTimes(parisMs(14, 10), parisMs(14, 16, 40)),
+                                           cueTimes(parisMs(14, 15), parisMs(14, 21, 40))}}});
+        if (QTest::currentTestFailed())
+            return;
+
+        // The start taken off: nothing of the timetable is left.
+        setShowStart(f.engine, std::nullopt);
+        const QJsonObject doc = webStateDocument(f.engine, f.clock);
+        QVERIFY(doc.value(u"schedule").isNull());
+        QVERIFY(!doc.value(u"cues").toArray()[1].toObject().contains(u"plannedStartMs"));
+        QVERIFY(!doc.value(u"cues").toArray()[1].toObject().contains(u"expectedStartMs"));
+    }
+
+    void theScheduleIsReadAgainAtEachHalfSecondOfTheWallClock_data()
+    {
+        QTest::addColumn<qint64>("nowMs");
+        QTest::addColumn<qint64>("ms");
+        QTest::newRow("on a whole second") << qint64(1'700'000'000'000) << qint64(500);
+        QTest::newRow("just before the half") << qint64(1'700'000'000'499) << qint64(1);
+        QTest::newRow("on the half") << qint64(1'700'000'000'500) << qint64(1000);
+        QTest::newRow("just after the half") << qint64(1'700'000'000'501) << qint64(999);
+        QTest::newRow("just before a whole second") << qint64(1'700'000'000'999) << qint64(501);
+    }
+    void theScheduleIsReadAgainAtEachHalfSecondOfTheWallClock()
+    {
+        QFETCH(qint64, nowMs);
+        QFETCH(qint64, ms);
+        QCOMPARE(msUntilScheduleReadingChanges(nowMs), ms);
+    }
+
     void freezeClockModeAndDoorsAreCommands()
     {
         EngineFixture f; // 14:00 in Paris

@@ -18,6 +18,26 @@ inline void storeWebSettings(quint16 port)
     Preferences::setWebAccessCode(QStringLiteral("CODE2345"));
 }
 
+// 21 November 2026 in Paris, the fixture's day, at that time of day.
+inline QDateTime parisTime(int hour, int minute, int second = 0, int ms = 0)
+{
+    return QDateTime(QDate(2026, 11, 21), QTime(hour, minute, second, ms), QTimeZone("Europe/Paris"));
+}
+
+// The same in ms since the epoch, as the documents give instants.
+inline double parisMs(int hour, int minute, int second = 0, int ms = 0)
+{
+    return double(parisTime(hour, minute, second, ms).toMSecsSinceEpoch());
+}
+
+// The show's planned start set, or taken off, as the project sheet does it.
+inline void setShowStart(TimerEngine &engine, const std::optional<QDateTime> &start)
+{
+    TimerSession edited = engine.session();
+    edited.scheduledStart = start;
+    engine.updateProjectInfo(edited);
+}
+
 // A server on a free port of 127.0.0.1 over an engine holding `cues` (one 600 s cue "A" unless
 // told), on the fixture's manual clock.
 struct ServingFixture {

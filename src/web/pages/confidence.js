@@ -1,6 +1,7 @@
-// The confidence display in a browser: the wall clock and the speaker, the cue and its time,
-// what comes next and the message. It always shows the cue clock itself, whatever the stage
-// shows (blackout, freeze, clock mode).
+// The confidence display in a browser: the wall clock and the speaker, under the clock how the
+// show runs against its timetable (for a show with a start time), the cue and its time, what
+// comes next and the message. It always shows the cue clock itself, whatever the stage shows
+// (blackout, freeze, clock mode).
 import {
     Countdown, activeCue, earliest, fitColumn, fitLines, fittedSize, formatCountdown, nextWholeSecond,
     pageHeight, pageWidth, setStyle, setText, show, startPage, stateColor, timeOfDay,
@@ -8,8 +9,8 @@ import {
 
 const $ = (id) => document.getElementById(id);
 const view = {
-    wallClock: $("wall-clock"), speaker: $("speaker"), centre: $("centre"), cueName: $("cue-name"),
-    time: $("time"), next: $("next"), nextText: $("next-text"), message: $("message"),
+    wallClock: $("wall-clock"), speaker: $("speaker"), schedule: $("schedule"), centre: $("centre"),
+    cueName: $("cue-name"), time: $("time"), next: $("next"), nextText: $("next-text"), message: $("message"),
 };
 
 function render(state, now) {
@@ -18,6 +19,11 @@ function render(state, now) {
     setText(view.wallClock, timeOfDay(state, now));
     show(view.speaker, cue !== null);
     setText(view.speaker, cue ? cue.speaker : "");
+    const schedule = state.schedule ?? null;
+    show(view.schedule, schedule !== null);
+    setText(view.schedule, schedule ? schedule.text : "");
+    if (schedule)
+        setStyle(view.schedule, "color", schedule.color);
     show(view.cueName, cue !== null);
     setText(view.cueName, cue ? cue.name : "");
 
