@@ -16,6 +16,8 @@ void CueListModel::setEngine(TimerEngine *engine)
     if (engine) {
         connect(engine, &TimerEngine::activeCueChanged, this, &CueListModel::syncMarks);
         connect(engine, &TimerEngine::selectedCueIndexChanged, this, &CueListModel::syncMarks);
+        // A start, a stop or another cue moves the expected starts at once.
+        connect(engine, &TimerEngine::activeCueChanged, this, &CueListModel::syncSchedule);
         connect(engine, &TimerEngine::runStateChanged, this, &CueListModel::syncSchedule);
     }
     m_cues = engine ? engine->session().cues : QList<Cue>();
