@@ -103,6 +103,17 @@ void startShowAtTwoPM(TimerEngine &engine)
     engine.updateProjectInfo(edited);
 }
 
+// A 1 min cue then a 5 min one, planned from 14:00: the first runs from 14:00 for `run` and is
+// left there, the show waiting for the next.
+void leaveTheFirstCueAfter(EngineFixture &f, std::chrono::seconds run)
+{
+    f.engine.loadSession(showOf({durationCue("Ouverture", 60), durationCue("Débat", 300)}));
+    startShowAtTwoPM(f.engine);
+    f.engine.start(0);
+    f.clock.jump(run);
+    f.engine.stop();
+}
+
 void takeShowStartOff(TimerEngine &engine)
 {
     TimerSession edited = engine.session();
@@ -371,11 +382,7 @@ private slots:
         storeSendingTo(sendPort, true);
         Peer peer;
         EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("Ouverture", 60), durationCue("Débat", 300)}));
-        startShowAtTwoPM(f.engine);
-        f.engine.start(0);
-        f.clock.jump(180s);
-        f.engine.stop();
+        leaveTheFirstCueAfter(f, 180s);
         NetworkCoordinator c;
         c.attach(&f.engine, f.clock); // the current state, the offset with it
         QCOMPARE(f.clock.nextDeadline(), f.clock.monotonicMs() + 500); // at 120.5 s
@@ -417,11 +424,7 @@ private slots:
         storeSendingTo(sendPort, true);
         Peer peer;
         EngineFixture f;
-        f.engine.loadSession(showOf({durationCue("Ouverture", 60), durationCue("Débat", 300)}));
-        startShowAtTwoPM(f.engine);
-        f.engine.start(0);
-        f.clock.jump(7s);
-        f.engine.stop();
+        leaveTheFirstCueAfter(f, 7s);
         NetworkCoordinator c;
         c.attach(&f.engine, f.clock);
         QCOMPARE(f.clock.nextDeadline(), f.clock.monotonicMs() + 501);
