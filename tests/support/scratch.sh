@@ -42,11 +42,11 @@ osc_preferences() {
     printf '%s\n' "$@" >> "$XDG_CONFIG_HOME/Kairon/Kairon.conf"
 }
 
-# wait_for_trace TRACE MARK: waits (5 s at most) until the program started with
-# KAIRON_STARTUP_TRACE=1, its standard error in TRACE, says "kairon-startup MARK"; else prints
-# TRACE and fails.
+# wait_for_trace TRACE MARK [TRIES]: waits (TRIES × 20 ms, 5 s unless told) until the program
+# started with KAIRON_STARTUP_TRACE=1, its standard error in TRACE, says "kairon-startup MARK";
+# else prints TRACE and fails.
 wait_for_trace() {
-    for _ in $(seq 250); do
+    for _ in $(seq "${3:-250}"); do
         grep -q "kairon-startup $2" "$1" && return 0
         sleep 0.02
     done
