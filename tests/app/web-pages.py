@@ -312,6 +312,17 @@ async def scenario(app, browser):
         await page.evaluate(RECORDER)
     check(await skewed.evaluate("Date.now() - window.__realNow()") == 3700, "the skewed browser's clock")
 
+    # ---- The countdown's rule, in the pages' own module ----
+    # A document 5.3 s from the end, its second changing at 1000 ms: the digits read 5 until
+    # then, however early the page's estimate of the program's clock (1 ms, a whole second and
+    # more behind), then 4 right after, and the next change is at 1000 ms.
+    rule = await stage.evaluate("""import('/pages/kairon.js').then(({Countdown, shownSecond}) => {
+        const c = new Countdown(5.3, 1000);
+        return [-5000, -1, 0, 999, 1000, 1001, 1999].map(t => shownSecond(c.valueAt(t)))
+            .concat([c.nextChange(-1), c.nextChange(1001), new Countdown(7.5, null).valueAt(0)]);
+    })""")
+    check(rule == [5, 5, 5, 5, 5, 4, 4, 1000, 2000, 7.5], f"the countdown's shown seconds: {rule}")
+
     # ---- Idle, index ----
     check(await text(index, "show-name") == "Soirée de gala", "index names the show")
     check(await index.evaluate("document.title") == "Kairon — Soirée de gala", "index title")

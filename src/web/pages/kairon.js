@@ -47,6 +47,8 @@ export function stateColor(cue, value) {
     return cue.color ?? "var(--state-normal)";
 }
 
+const lastMsOfASecond = 999;
+
 // A countdown of the program: `value` seconds, running down one second per second with its
 // shown second changing at `nextSecondAtMs` (the program's clock) and every 1000 ms after, or
 // standing still when that instant is null.
@@ -61,8 +63,13 @@ export class Countdown {
         return this.nextAt !== null;
     }
 
+    // Until `nextAt` the shown second is the anchor's, however early `now` is: an estimate of
+    // the program's clock a little behind it, or `nextAt` rounded to the millisecond, must not
+    // show the second before, which would then stand until `nextAt`, a whole second.
     valueAt(now) {
-        return this.running ? this.anchor + (this.nextAt - now) / 1000 : this.value;
+        if (!this.running)
+            return this.value;
+        return this.anchor + Math.min(this.nextAt - now, lastMsOfASecond) / 1000;
     }
 
     // The next instant at or after `now` when the shown second, or its colour for `cue` (a
