@@ -114,7 +114,12 @@ public:
     {
         return m_loggedOvertime + (m_isRunning && m_remaining < 0 ? -m_remaining : 0.0);
     }
+    // What the day has left to play: the running cue's remaining time (none in overtime) and the
+    // durations of the cues after the base cue (the active one, else the selected one; every cue
+    // without either). "Fin journée" is now plus this.
     double remainingDayDuration() const;
+    // The second part alone: the durations of the cues after the base cue.
+    double laterCuesDuration() const { return m_durationsAfterBase; }
     // Where the show stands for its timetable: the cue running or paused and when it was
     // started (or last reset), else the last cue left and when.
     ShowPosition showPosition() const;

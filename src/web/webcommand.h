@@ -13,7 +13,7 @@ class TimerEngine;
 struct WebCommand {
     enum class Kind {
         Play, Pause, Stop, Next, Prev, Reset, Blackout, Blink, Message, Adjust, Start,
-        Freeze, ClockMode, Doors
+        Freeze, ClockMode, Doors, Check
     };
     Kind kind = Kind::Play;
     std::optional<QString> text; // message: null clears the message on air

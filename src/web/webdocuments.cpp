@@ -128,6 +128,12 @@ QJsonObject liveDocument(const TimerEngine &engine, const Clock &clock,
     const std::optional<int> active = engine.activeCueIndex();
     doc.insert(QLatin1StringView("activeCueIndex"),
                active ? QJsonValue(*active) : QJsonValue(QJsonValue::Null));
+    const std::optional<int> selected = engine.selectedCueIndex();
+    doc.insert(QLatin1StringView("selectedCueIndex"),
+               selected ? QJsonValue(*selected) : QJsonValue(QJsonValue::Null));
+    // "Fin journée" is the reader's now, plus the running cue's remaining time (none in
+    // overtime), plus this.
+    doc.insert(QLatin1StringView("laterCuesDuration"), engine.laterCuesDuration());
     doc.insert(QLatin1StringView("blinkActive"), engine.blinkActive());
     const std::optional<QDateTime> doors = engine.doorsTarget();
     doc.insert(QLatin1StringView("doorsTargetMs"),

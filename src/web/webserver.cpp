@@ -325,25 +325,37 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
         welcome(viewer);
         return;
     }
+    // A command that carries an "id" is answered with it: {"ack": id} once applied (after the
+    // state it changed), its error with the id otherwise. Without one, only an error answers.
+    const QJsonValue id = message.value(QLatin1StringView("id"));
+    auto refuse = [&](const QString &reason) {
+        QJsonObject error = webErrorObject(reason);
+        if (!id.isUndefined())
+            error.insert(QLatin1StringView("id"), id);
+        reply(error);
+    };
     if (!WebCommand::isCommandName(name.toString())) {
-        reply(webErrorObject(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString())));
+        refuse(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString()));
         return;
     }
     if (const std::optional<Refusal> refused = refusal(
             viewer->peerAddress().toString(), message.value(QLatin1StringView("code")).toString().toUtf8())) {
-        reply(webErrorObject(refused->message));
+        refuse(refused->message);
         return;
     }
     QString error;
     const std::optional<WebCommand> command = WebCommand::decode(name.toString(), message, &error);
     if (!command) {
-        reply(webErrorObject(error));
+        refuse(error);
         return;
     }
-    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
-        reply(webErrorObject(*refused));
-    else
-        pushChanges();
+    if (const std::optional<QString> refused = applyWebCommand(m_engine, *command)) {
+        refuse(*refused);
+        return;
+    }
+    pushChanges();
+    if (!id.isUndefined())
+        reply(QJsonObject{{QStringLiteral("ack"), id}});
 }
 
 void WebServer::onEngineChanged(bool sessionChanged)

@@ -81,8 +81,18 @@ async def scenario():
     check(same_state(viewer.view(), program_state()) == [], "the viewer holds the program's state again")
 
     # A cue renamed in the cue editor (neither the one on air nor the next): one show message.
+    # Selecting its row first is one patch: the selection alone while a cue is active (the day's
+    # end still counts from that cue), with the durations after the row when none is.
     subprocess.run(["xdotool", "mousemove", str(console_x + 150), str(cue_row_y(5)), "click", "1"], check=True)
-    time.sleep(0.3)
+    read = await viewer.until(lambda v: v.get("selectedCueIndex") == 5)
+    view = viewer.view()
+    expected = {"type", "seq", "selectedCueIndex"}
+    if view["activeCueIndex"] is None:
+        expected.add("laterCuesDuration")
+        check(view["laterCuesDuration"] == sum(c["duration"] for c in view["cues"][6:]),
+              f"the durations after the selected row: {view['laterCuesDuration']}")
+    patches = [set(m) for m in read if m.get("type") == "patch"]
+    check(patches == [expected], f"the selection is one patch: {patches}")
     subprocess.run(["xdotool", "key", "Return"], check=True)
     time.sleep(0.8)  # the editor opens, its name selected
     subprocess.run(["xdotool", "type", "--delay", "30", "Remise des prix"], check=True)
