@@ -26,11 +26,6 @@ export const Status = Object.freeze({
 	disconnected: ['disconnected', null],
 })
 
-// The command the module sends to check its access code: every command needs the code, and the
-// program checks it before it reads the body, so a row that can be no cue's is refused with 400
-// when the code is right (401 when wrong) and changes nothing.
-const codeCheck = { name: 'start', body: { index: -1 } }
-
 export class KaironLink {
 	// `events`: onDocument(doc) with each new state document, onLink(live), onStatus([level,
 	// message]), onClockMoved(), log(level, text).
@@ -158,7 +153,8 @@ export class KaironLink {
 		}
 		let answer
 		try {
-			answer = await this.post(codeCheck.name, codeCheck.body)
+			// Changes nothing: 200 when the code is right, 401 when not.
+			answer = await this.post('check')
 		} catch (error) {
 			if (socket !== this.socket) return
 			this.events.log('debug', `Checking the access code: ${error.message}`)
@@ -169,13 +165,14 @@ export class KaironLink {
 		if (answer.status === 401 || answer.status === 429) {
 			this.events.log('warn', `Kairon refused the access code: ${answer.body?.error ?? `HTTP ${answer.status}`}`)
 		}
-		this.judgeAnswer(answer, 400)
+		this.judgeAnswer(answer)
 	}
 
-	// The status an answer to a command shows: the code refused, or the link good.
-	judgeAnswer(answer, expected) {
+	// The status an answer shows: the code refused, or the link good (a command the show could
+	// not take, 400, was still let in by its code).
+	judgeAnswer(answer) {
 		if (answer.status === 401 || answer.status === 429) this.setStatus(Status.badCode)
-		else if (answer.status === expected && this.live) this.setStatus(Status.ok)
+		else if ((answer.status === 200 || answer.status === 400) && this.live) this.setStatus(Status.ok)
 		else if (answer.status === 404 || answer.status === 405) this.setStatus(Status.notKairon)
 	}
 
@@ -206,7 +203,7 @@ export class KaironLink {
 			this.events.log('warn', `Kairon: "${name}" failed: ${error.message}`)
 			return false
 		}
-		this.judgeAnswer(answer, 200)
+		this.judgeAnswer(answer)
 		if (answer.status === 200) return true
 		const reason = answer.body?.error ?? `HTTP ${answer.status}`
 		this.events.log('warn', `Kairon refused "${name}": ${reason}`)

@@ -35,28 +35,13 @@ export function venueTimeOfDay(doc, ms) {
 	return `${String(Number(parts.hour) % 24).padStart(2, '0')}:${parts.minute}`
 }
 
-// The cue the program counts the rest of the day from: the active one, else the one selected in
-// its console. The document does not carry the selection, but names the cue after it as the
-// next one: the cue before the only cue of that name is the selected one. With no next cue, or
-// a name that several cues bear, every cue is counted.
-function baseIndex(doc) {
-	if (doc.activeCueIndex !== null && doc.activeCueIndex !== undefined) return doc.activeCueIndex
-	const cues = doc.cues ?? []
-	if (typeof doc.nextCueName !== 'string') return null
-	const named = []
-	for (let i = 1; i < cues.length; ++i) if (cues[i].name === doc.nextCueName) named.push(i)
-	return named.length === 1 ? named[0] - 1 : null
-}
-
 // When the day should end, as the console's "Fin journée" reckons it: now, plus what is left of
-// the running cue (nothing in overtime), plus the durations of the cues after the base cue.
+// the running cue (nothing in overtime), plus the durations of the cues after the active one,
+// else after the one selected in the console (the program's `laterCuesDuration`).
 // Returns the instant in ms and whether it moves with the wall clock (stopped, paused or in
 // overtime) rather than standing.
 function projectedEnd(doc, now, live) {
-	const cues = doc.cues ?? []
-	const base = baseIndex(doc)
-	let rest = 0
-	for (let i = base === null ? 0 : base + 1; i < cues.length; ++i) rest += cues[i].duration
+	const rest = doc.laterCuesDuration ?? 0
 	const left = doc.running ? Math.max(live.valueAt(now), 0) : 0
 	const moves = !(live.running && left > 0)
 	return { atMs: Math.round(now + (left + rest) * 1000), moves }

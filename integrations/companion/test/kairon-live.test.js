@@ -64,6 +64,8 @@ test('before the cue: the show, stopped, nothing lit', async () => {
 	assert.equal(host.values.cue_number, '')
 	assert.equal(host.values.remaining, '00:00')
 	// The first cue selected: the day is the two cues after it.
+	assert.equal(state.selectedCueIndex, 0)
+	assert.equal(state.laterCuesDuration, 420)
 	assert.equal(host.values.projected_end, venueMinutes(state, state.serverTimeMs + 420000))
 	for (const id of ['running', 'paused', 'warning', 'danger', 'overtime']) assert.equal(host.feedback(id), false, id)
 	assert.deepEqual(host.feedback('state_colour', { target: 'text' }), {

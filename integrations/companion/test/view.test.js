@@ -23,6 +23,8 @@ function runningDoc(overrides = {}) {
 			{ name: 'Débat', speaker: '', duration: 90, warningThreshold: 120, dangerThreshold: 30, color: '#FF0000' },
 		],
 		activeCueIndex: 0,
+		selectedCueIndex: 0,
+		laterCuesDuration: 90,
 		running: true,
 		paused: false,
 		remaining: 4.5,
@@ -190,9 +192,8 @@ test('the view of a paused cue, a message, the switches and no active cue', () =
 		urgentMessage: true,
 		activeCueNumber: 1,
 	})
-	// Stopped with no active cue: "—" is the program's name for none. The day counts from the
-	// cue selected in the console, the one before the cue named next; with none named, from
-	// every cue.
+	// Stopped with no active cue: "—" is the program's name for none. The day's end is now plus
+	// the durations the program counts after the selected cue, standing nothing of a cue.
 	const cues = [{ ...runningDoc().cues[0], duration: 600 }, runningDoc().cues[1]]
 	const stopped = {
 		activeCueIndex: null,
@@ -204,17 +205,15 @@ test('the view of a paused cue, a message, the switches and no active cue', () =
 		liveNextSecondAtMs: null,
 		cues,
 	}
-	const idle = readView(runningDoc({ ...stopped, nextCueName: 'Débat' }), t0)
+	const idle = readView(runningDoc({ ...stopped, selectedCueIndex: 0, laterCuesDuration: 90 }), t0)
 	assert.equal(idle.variables.cue_name, '')
 	assert.equal(idle.variables.cue_number, '')
 	assert.equal(idle.variables.state, 'stopped')
 	assert.equal(idle.variables.projected_end, '19:21') // 18:20 UTC + 90 s, in Paris
-	assert.equal(readView(runningDoc({ ...stopped, nextCueName: null }), t0).variables.projected_end, '19:31')
-	const twins = [cues[0], cues[1], cues[1]]
-	assert.equal(
-		readView(runningDoc({ ...stopped, cues: twins, nextCueName: 'Débat' }), t0).variables.projected_end,
-		'19:33',
-	)
+	const none = runningDoc({ ...stopped, selectedCueIndex: null, laterCuesDuration: 690 })
+	assert.equal(readView(none, t0).variables.projected_end, '19:31')
+	// Stopped, the end moves with the wall clock.
+	assert.equal(readView(none, t0 + 60000).variables.projected_end, '19:32')
 	assert.equal(idle.colour, palette.textMuted)
 	assert.equal(idle.flags.activeCueNumber, null)
 	assert.equal(offlineView.variables.remaining, '--:--')
