@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine for Kairon, builds it, then launches it or runs every test.
 #   tools/kairon.sh run    install the missing packages, build, launch Kairon
-#   tools/kairon.sh test   install the missing packages (with the test tools), build, run the tests,
-#                          then build them again with AddressSanitizer and UndefinedBehaviorSanitizer
-#                          (in build-sanitized) and run them there too
+#   tools/kairon.sh test   install the missing packages (with the test tools, and Node.js with npm
+#                          unless the machine has them), build, run the tests (the Companion
+#                          module's among them), then build them again with AddressSanitizer and
+#                          UndefinedBehaviorSanitizer (in build-sanitized) and run them there too
 # Works as root or as a user with sudo; only the package installation needs root.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,6 +14,13 @@ case "${1:-}" in
     test) groups="build test"; options=(-DKAIRON_BUILD_TESTS=ON -DKAIRON_BUILD_BENCH=ON) ;;
     *) echo "usage: $0 run|test" >&2; exit 2 ;;
 esac
+
+# Node.js and npm for the Companion module: the machine's own when they will do.
+if [[ "$1" == test ]] && ! { command -v npm >/dev/null && node -e '
+    const [major, minor] = process.versions.node.split(".").map(Number)
+    process.exit(major > 18 || (major === 18 && minor >= 19) ? 0 : 1)' 2>/dev/null; }; then
+    groups+=" node"
+fi
 
 missing=()
 while read -r group package; do
@@ -40,7 +48,8 @@ fi
 
 # The same program and tests built with AddressSanitizer and UndefinedBehaviorSanitizer: the
 # engine's, the views' and the real program's tests run again there (the fuzzers run sanitized
-# already; the package and the benchmarks are not rebuilt). -O1 keeps the build short. Every
+# already; the package, the benchmarks and the Companion module, whose JavaScript no sanitizer
+# reads, are not rebuilt). -O1 keeps the build short. Every
 # report is written to a log as well, so that one from a process a script started in the
 # background fails the run even when that script did not notice.
 cmake -S . -B build-sanitized -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -52,7 +61,7 @@ rm -rf "$reports" && mkdir -p "$reports"
 export ASAN_OPTIONS="detect_leaks=0:abort_on_error=1:log_path=$reports/asan"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:log_path=$reports/ubsan"
 status=0
-(cd build-sanitized && ctest --output-on-failure --parallel "$(nproc)" -LE package) || status=$?
+(cd build-sanitized && ctest --output-on-failure --parallel "$(nproc)" -LE "package|companion") || status=$?
 if compgen -G "$reports/*" >/dev/null; then
     echo "Sanitizer reports:" >&2
     cat "$reports"/* >&2

@@ -15,15 +15,10 @@ if [[ $# -ge 1 ]]; then
     export KAIRON_BINARY=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
 fi
 
-node_version=$(node -p 'process.versions.node')
-node -e '
-const [major, minor] = process.versions.node.split(".").map(Number)
-if (!((major === 18 && minor >= 19) || major >= 20)) process.exit(1)' ||
-    { echo "Node.js $node_version is too old: 18.19 or later is needed" >&2; exit 1; }
-echo "Node.js $node_version, npm $(npm --version)"
-
-# The packages exactly as locked; no audit, no funding notice (nothing but the registry).
-npm ci --no-audit --no-fund --loglevel=error
+source ./node-env.sh
+require_node
+echo "Node.js $(node --version), npm $(npm --version)"
+install_packages
 
 # The code as Companion's module tools lint it, and its layout.
 npx --no-install eslint . && npx --no-install prettier --check --log-level=warn . ||
@@ -33,15 +28,13 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 # The package, built from the sources, then unpacked and checked as Companion would receive it.
-rm -f kairon-*.tgz
-npx --no-install companion-module-build > "$scratch/build.log" 2>&1 ||
-    { cat "$scratch/build.log"; echo "FAIL: companion-module-build" >&2; exit 1; }
-package=$(ls kairon-*.tgz)
-echo "Packaged $package ($(stat -c %s "$package") bytes)"
+package=$scratch/kairon-companion.tgz
+build_package "$package" "$scratch/build.log"
+echo "Packaged $(basename "$package") ($(stat -c %s "$package") bytes)"
 tar -xzf "$package" -C "$scratch"
 (cd "$scratch/pkg" && "$here/node_modules/.bin/companion-module-check") > "$scratch/check.log" 2>&1 ||
-    { cat "$scratch/check.log"; echo "FAIL: companion-module-check on $package" >&2; exit 1; }
-echo "companion-module-check: $package passes"
+    { cat "$scratch/check.log"; echo "FAIL: companion-module-check on the package" >&2; exit 1; }
+echo "companion-module-check: the package passes"
 
 # One test file at a time: those that start the program measure its timing.
 export KAIRON_COMPANION_PACKAGE=$scratch/pkg
