@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cuetrigger.h"
 #include "timermode.h"
 
 #include <QDateTime>
@@ -24,6 +25,7 @@ struct Cue {
     std::optional<QString> colorHex; // kept exactly as chosen; parsed only for display
     std::optional<double> actualElapsed; // filled when the cue is left: how long it really ran
     std::optional<double> overtime;      // filled when the cue is left: how far it ran past zero
+    QList<CueTrigger> triggers;          // messages to other gear as things happen to it
 
     bool operator==(const Cue &) const = default;
 };

@@ -26,6 +26,7 @@ struct TimerSession {
     std::optional<QString> notes;
     std::optional<LinkedSpreadsheet> linkedSpreadsheet; // when imported from a spreadsheet
     std::optional<QDateTime> scheduledStart; // the show's planned start, for its timetable
+    QList<CueTrigger> triggers; // sent for every cue, besides each cue's own
 
     TimerSession() = default;
     // A freshly made show created at `now`.
