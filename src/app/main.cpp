@@ -24,6 +24,7 @@
 #include "systemclock.h"
 #include "timerengine.h"
 #include "toastcenter.h"
+#include "triggerdispatcher.h"
 #include "webserver.h"
 
 #include <QDebug>
@@ -125,6 +126,10 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
     BrandAssets brand; // the cached logo at once, a fresh one from the maker's site later
     brand.downloadRemote();
     ToastCenter toasts(clock);
+    // The cues' messages to other gear; a failure is a quiet toast, never a stop.
+    TriggerDispatcher triggers(network.osc());
+    triggers.attach(engine);
+    QObject::connect(&triggers, &TriggerDispatcher::failed, &toasts, &ToastCenter::showInfo);
     OutputWindows outputs(screens, toasts, clock);
     SessionStore store(clock);
     ConsoleController console(engine, store, flow, toasts, clock, &FileReveal::show);

@@ -129,3 +129,20 @@ std::variant<ResolvedTrigger, QString> CueTriggers::resolve(const CueTrigger &tr
     });
     return ResolvedTrigger(ResolvedHttp{http.method, url, fill(http.body, context).toUtf8()});
 }
+
+QList<TriggerMoment> TriggerWatch::observe(double remaining, double warning, double danger)
+{
+    QList<TriggerMoment> crossed;
+    auto watch = [&](bool &fired, double threshold, bool inZone, TriggerMoment moment) {
+        if (remaining > threshold) {
+            fired = false;
+        } else if (!fired && inZone) {
+            fired = true;
+            crossed.append(moment);
+        }
+    };
+    watch(m_warning, warning, danger < remaining && remaining <= warning, TriggerMoment::Warning);
+    watch(m_danger, danger, 0 < remaining && remaining <= danger, TriggerMoment::Danger);
+    watch(m_zero, 0, remaining <= 0, TriggerMoment::Zero);
+    return crossed;
+}

@@ -91,3 +91,28 @@ QString fill(const QString &text, const TriggerContext &context);
 std::variant<ResolvedTrigger, QString> resolve(const CueTrigger &trigger, const TriggerContext &context);
 
 } // namespace CueTriggers
+
+// Which thresholds of the running cue have fired their triggers. Each fires once per crossing,
+// judged as the alert sounds are (warning: above danger and at or below warning; danger: above
+// zero and at or below danger; zero: at or below zero), and is armed again when the remaining
+// time goes back above it: a reset, or an adjustment upwards.
+class TriggerWatch
+{
+public:
+    // A cue (re)started: every threshold armed.
+    void arm() { m_warning = m_danger = m_zero = false; }
+    // A cue resumed after an interruption: the thresholds it has passed stay quiet.
+    void markPassed(double remaining, double warning, double danger)
+    {
+        m_warning = remaining <= warning;
+        m_danger = remaining <= danger;
+        m_zero = remaining <= 0;
+    }
+    // The moments that `remaining` crosses, in the order they happen.
+    QList<TriggerMoment> observe(double remaining, double warning, double danger);
+
+private:
+    bool m_warning = false;
+    bool m_danger = false;
+    bool m_zero = false;
+};

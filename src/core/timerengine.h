@@ -254,6 +254,12 @@ signals:
     // remote viewers can be told the whole change at once, before the views react to it.
     // `sessionChanged` when the show itself (its name or its cues) is among the changes.
     void aboutToNotify(bool sessionChanged);
+    // Something happened to a cue that its triggers answer: it started, crossed a threshold or
+    // zero, or was left. Emitted at once, within the operation or the tick, when the rest of
+    // the state may not be whole yet: a receiver reads only what it is given and the show's
+    // triggers. `cueIndex` is the cue's row, or -1 for a cue deleted as it was left;
+    // `remaining` its remaining time then.
+    void cueMoment(TriggerMoment moment, const Cue &cue, int cueIndex, double remaining);
 
 private:
     class Batch;
@@ -349,6 +355,7 @@ private:
     bool m_firedWarning = false;
     bool m_firedDanger = false;
     bool m_firedZero = false;
+    TriggerWatch m_triggerWatch;
     QList<CueLogEntry> m_completedCueLog;
     QList<CueTemplate> m_templates;
 

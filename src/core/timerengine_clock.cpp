@@ -57,6 +57,7 @@ void TimerEngine::loadClock(const Cue &cue, const QDateTime &now, qint64 monoton
                                     : m_plannedDuration;
     ++m_clockRun;
     clearAlertLatches();
+    m_triggerWatch.arm();
     notify(&TimerEngine::clockChanged);
 }
 
@@ -170,6 +171,9 @@ void TimerEngine::runTick()
 
     refreshClock(m_clock.monotonicUs(), m_clock.now().toMSecsSinceEpoch());
     fireAlerts(*cue);
+    for (const TriggerMoment moment :
+         m_triggerWatch.observe(m_remaining, cue->warningThreshold, cue->dangerThreshold))
+        emit cueMoment(moment, *cue, *m_activeCueIndex, m_remaining);
 
     const bool followOn = m_remaining <= 0 && cue->autoFollow
                           && *m_activeCueIndex + 1 < m_session.cues.size();

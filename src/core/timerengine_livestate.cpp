@@ -79,6 +79,7 @@ void TimerEngine::resumeLiveState(const LiveState &s)
         m_firedWarning = m_remaining <= cue.warningThreshold;
         m_firedDanger = m_remaining <= cue.dangerThreshold;
         m_firedZero = m_remaining <= 0;
+        m_triggerWatch.markPassed(m_remaining, cue.warningThreshold, cue.dangerThreshold);
     }
     setRunState(running, running && s.paused);
     notify(&TimerEngine::clockChanged);

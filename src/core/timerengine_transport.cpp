@@ -30,6 +30,7 @@ void TimerEngine::start(std::optional<int> cueIndex)
     loadClock(cue, now, monotonicUs);
     setRunState(true, false);
     startTicker();
+    emit cueMoment(TriggerMoment::Start, cue, index, m_remaining);
     notifyStateChange();
 }
 
@@ -136,6 +137,7 @@ void TimerEngine::logCue(const Cue &cue, std::optional<int> writeBackIndex)
     m_completedCueLog.append(CueLogEntry{cue.name, m_plannedDuration, m_elapsed, overtime});
     m_lastLeftCueID = cue.id;
     m_lastLeftAt = m_clock.now();
+    emit cueMoment(TriggerMoment::End, cue, writeBackIndex.value_or(-1), m_remaining);
     notify(&TimerEngine::completedCueLogChanged);
     notify(&TimerEngine::clockChanged);
     if (writeBackIndex) {

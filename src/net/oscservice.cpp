@@ -1,5 +1,8 @@
 #include "oscservice.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+
 #include "oscsocketworker.h"
 
 OSCService::OSCService(QObject *parent) : QObject(parent)
@@ -47,6 +50,25 @@ void OSCService::send(const QString &address, const QList<OSCArgument> &argument
     const QByteArray datagram = OSCCodec::encode(address, arguments);
     QMetaObject::invokeMethod(m_worker,
                               [worker = m_worker, datagram] { worker->sendDatagram(datagram); });
+}
+
+void OSCService::sendTo(const QString &host, quint16 port, const QString &address,
+                        const QList<OSCArgument> &arguments, QObject *context,
+                        std::function<void(const QString &)> done)
+{
+    const QByteArray datagram = OSCCodec::encode(address, arguments);
+    // Reported through the application object, which outlives every context: `owner` is read
+    // on the main thread only.
+    QPointer<QObject> owner(context);
+    auto report = [owner, done = std::move(done)](const QString &reason) {
+        QMetaObject::invokeMethod(QCoreApplication::instance(), [owner, done, reason] {
+            if (owner)
+                done(reason);
+        });
+    };
+    QMetaObject::invokeMethod(m_worker, [worker = m_worker, host, port, datagram, report] {
+        worker->sendTo(host, port, datagram, report);
+    });
 }
 
 void OSCService::stopListening()

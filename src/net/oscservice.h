@@ -32,6 +32,13 @@ public:
     void configureSend(const QString &host, quint16 port);
     // Encodes one message and sends it if there is a destination; send errors are ignored.
     void send(const QString &address, const QList<OSCArgument> &arguments);
+    // Encodes one message and sends it to `host` and `port`, whatever the destination above.
+    // Then `done` is called on the main thread, unless `context` is gone by then: with nothing
+    // once the message left, or with the French reason it could not (an unknown name, a
+    // refused write).
+    void sendTo(const QString &host, quint16 port, const QString &address,
+                const QList<OSCArgument> &arguments, QObject *context,
+                std::function<void(const QString &)> done);
     // Drops the listener; no status is reported for it.
     void stopListening();
     // Drops the listener and the destination.

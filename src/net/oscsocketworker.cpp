@@ -120,6 +120,35 @@ void OscSocketWorker::sendDatagram(const QByteArray &datagram)
         m_sender->writeDatagram(datagram, m_destination, m_destinationPort);
 }
 
+void OscSocketWorker::sendTo(const QString &host, quint16 port, const QByteArray &datagram,
+                             const std::function<void(const QString &)> &done)
+{
+    if (!m_oneOffSender)
+        m_oneOffSender = std::make_unique<QUdpSocket>();
+    auto write = [this, port, datagram, done, host](const QHostAddress &address) {
+        if (m_oneOffSender->writeDatagram(datagram, address, port) < 0)
+            done(QStringLiteral("envoi impossible à %1 (%2)").arg(host, m_oneOffSender->errorString()));
+        else
+            done(QString());
+    };
+    QHostAddress literal;
+    if (literal.setAddress(host)) {
+        write(literal);
+        return;
+    }
+    QHostInfo::lookupHost(host, this, [write, done, host](const QHostInfo &info) {
+        if (info.addresses().isEmpty()) {
+            done(QStringLiteral("hôte inconnu : %1").arg(host));
+            return;
+        }
+        const QList<QHostAddress> addresses = info.addresses();
+        const auto ipv4 = std::find_if(addresses.cbegin(), addresses.cend(), [](const QHostAddress &a) {
+            return a.protocol() == QAbstractSocket::IPv4Protocol;
+        });
+        write(ipv4 != addresses.cend() ? *ipv4 : addresses.first());
+    });
+}
+
 void OscSocketWorker::stop()
 {
     stopListening();

@@ -5,6 +5,8 @@
 #include <QHostAddress>
 #include <QList>
 #include <QObject>
+
+#include <functional>
 #include <QUdpSocket>
 
 #include <memory>
@@ -22,6 +24,11 @@ public:
     void startListening(quint16 port);
     void configureSend(const QString &host, quint16 port);
     void sendDatagram(const QByteArray &datagram);
+    // Sends one datagram to `host` (an address, or a name resolved first) and `port`, apart
+    // from the destination above; then `done` gets nothing once it left, or the French
+    // reason it could not.
+    void sendTo(const QString &host, quint16 port, const QByteArray &datagram,
+                const std::function<void(const QString &)> &done);
     void stopListening();
     void stop();
 
@@ -36,6 +43,7 @@ private:
 
     std::unique_ptr<QUdpSocket> m_listener;
     std::unique_ptr<QUdpSocket> m_sender;
+    std::unique_ptr<QUdpSocket> m_oneOffSender; // for sendTo, made at its first use
     QHostAddress m_destination; // null until the host is resolved
     quint16 m_destinationPort = 0;
     int m_lookupId = -1;

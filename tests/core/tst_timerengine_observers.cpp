@@ -40,7 +40,10 @@ public:
         const QMetaObject *engine = m_f.engine.metaObject();
         const QMetaMethod onSignal = staticMetaObject.method(staticMetaObject.indexOfSlot("onSignal()"));
         for (int i = engine->methodOffset(); i < engine->methodCount(); ++i) {
-            if (engine->method(i).methodType() == QMetaMethod::Signal)
+            // A cue's moments are told within the operation, for its triggers, not as a change
+            // of state: the state is not whole yet when they come.
+            if (engine->method(i).methodType() == QMetaMethod::Signal
+                && engine->method(i).name() != "cueMoment")
                 connect(&m_f.engine, engine->method(i), this, onSignal);
         }
         m_f.engine.setOnStateChange([this](const TimerStateSnapshot &s) {

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "cuetrigger.h"
+
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QSet>
+
+class OSCService;
+class TimerEngine;
+struct Cue;
+
+// Sends the cues' triggers, and the show's, as the engine tells their moments: OSC from the OSC
+// service's thread, HTTP through Qt's network access with a 2 s limit. The main thread only
+// fills in the placeholders and hands each message over, so a host that never answers never
+// holds the clock. At most 1,000 messages wait at once; past that, a trigger fails at once.
+// A trigger that fails is reported once (`failed`), then only logged, until it works again.
+class TriggerDispatcher : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int maxPending = 1000;
+    static constexpr int httpTimeoutMs = 2000;
+
+    explicit TriggerDispatcher(OSCService &osc, QObject *parent = nullptr);
+
+    // Follows the engine's moments from now on.
+    void attach(TimerEngine &engine);
+    // Sends one trigger as it would fire for `context` ("Envoyer maintenant"); a failure is
+    // reported each time, since the operator asked.
+    void sendNow(const CueTrigger &trigger, const TriggerContext &context);
+    // The messages handed over and not yet sent, answered or failed.
+    int pending() const { return m_pending; }
+
+signals:
+    // "Déclencheur « NAME » : REASON", for a quiet toast.
+    void failed(const QString &text);
+    // A message left (OSC) or was answered with success (HTTP).
+    void delivered(const QString &name);
+
+private:
+    void onMoment(const TimerEngine &engine, TriggerMoment moment, const Cue &cue, int index,
+                  double remaining);
+    // `key` names the trigger across firings ("" for a trigger sent by hand).
+    void send(const CueTrigger &trigger, const TriggerContext &context, const QString &key);
+    void finish(const CueTrigger &trigger, const QString &key, const QString &failure);
+
+    OSCService &m_osc;
+    QNetworkAccessManager m_http;
+    int m_pending = 0;
+    QSet<QString> m_reported; // keys of the triggers whose failure was shown
+};

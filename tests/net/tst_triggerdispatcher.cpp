@@ -1,0 +1,192 @@
+#include "enginefixture.h"
+#include "oscservice.h"
+#include "ports.h"
+#include "triggerdispatcher.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QUdpSocket>
+
+using namespace std::chrono_literals;
+
+namespace {
+// A UDP port of 127.0.0.1 that keeps every datagram it receives.
+struct OscReceiver {
+    OscReceiver()
+    {
+        socket.bind(QHostAddress::LocalHost, 0);
+        QObject::connect(&socket, &QUdpSocket::readyRead, [this] {
+            while (socket.hasPendingDatagrams()) {
+                QByteArray d(int(socket.pendingDatagramSize()), Qt::Uninitialized);
+                socket.readDatagram(d.data(), d.size());
+                datagrams.append(d);
+            }
+        });
+    }
+    QUdpSocket socket;
+    QList<QByteArray> datagrams;
+};
+
+// A bare HTTP server on 127.0.0.1: keeps each request's first line and body, and answers with
+// `status`, or not at all when `silent`.
+struct HttpReceiver {
+    HttpReceiver()
+    {
+        server.listen(QHostAddress::LocalHost, 0);
+        QObject::connect(&server, &QTcpServer::newConnection, [this] {
+            while (QTcpSocket *socket = server.nextPendingConnection()) {
+                QObject::connect(socket, &QTcpSocket::readyRead, [this, socket] {
+                    buffer[socket] += socket->readAll();
+                    const QByteArray &data = buffer[socket];
+                    const qsizetype end = data.indexOf("\r\n\r\n");
+                    if (end < 0)
+                        return;
+                    const qsizetype lengthAt = data.toLower().indexOf("content-length:");
+                    const int length = lengthAt < 0 ? 0 : data.mid(lengthAt + 15, data.indexOf('\r', lengthAt) - lengthAt - 15).trimmed().toInt();
+                    if (data.size() < end + 4 + length)
+                        return;
+                    requests.append(data.left(data.indexOf("\r\n")) + ' ' + data.mid(end + 4, length));
+                    if (!silent)
+                        socket->write("HTTP/1.1 " + QByteArray::number(status)
+                                      + " X\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+                });
+            }
+        });
+    }
+    QString url(const char *path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(server.serverPort()).arg(QLatin1StringView(path));
+    }
+    QTcpServer server;
+    QHash<QTcpSocket *, QByteArray> buffer;
+    QList<QByteArray> requests;
+    int status = 200;
+    bool silent = false;
+};
+
+CueTrigger oscTrigger(TriggerMoment when, quint16 port, const char *address, QList<TriggerArgument> args = {})
+{
+    return {when, QStringLiteral("Lumières"),
+            OscTriggerTarget{QStringLiteral("127.0.0.1"), port, QString::fromLatin1(address), std::move(args)}};
+}
+
+CueTrigger httpTrigger(TriggerMoment when, const QString &method, const QString &url, const QString &body = {})
+{
+    return {when, QStringLiteral("Régie vidéo"), HttpTriggerTarget{method, url, body}};
+}
+} // namespace
+
+// The triggers as they leave: each moment's messages to a real UDP port and a real HTTP
+// server, with the placeholders filled in, and the failures told once per trigger.
+class TestTriggerDispatcher : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void eachMomentSendsItsMessagesFilledIn()
+    {
+        OscReceiver osc;
+        HttpReceiver http;
+        const quint16 port = osc.socket.localPort();
+        Cue keynote = durationCue(QStringLiteral("Q&R"), 200);
+        keynote.speaker = QStringLiteral("Ana");
+        keynote.triggers = {
+            oscTrigger(TriggerMoment::Start, port, "/start", {{'i', QStringLiteral("{index}")}, {'s', QStringLiteral("{speaker}")}}),
+            oscTrigger(TriggerMoment::Warning, port, "/warning", {{'i', QStringLiteral("{remaining}")}}),
+            oscTrigger(TriggerMoment::Danger, port, "/danger", {{'f', QStringLiteral("{remaining}")}}),
+            oscTrigger(TriggerMoment::Zero, port, "/zero"),
+            httpTrigger(TriggerMoment::End, QStringLiteral("POST"), http.url("/end"), QStringLiteral("{cue} {remaining}")),
+        };
+        TimerSession show = showOf({durationCue(QStringLiteral("Accueil"), 60), keynote});
+        show.triggers = {httpTrigger(TriggerMoment::Start, QStringLiteral("GET"), http.url("/go?cue={cue}&n={index}"))};
+
+        EngineFixture f;
+        f.engine.loadSession(show);
+        OSCService service;
+        TriggerDispatcher dispatcher(service);
+        dispatcher.attach(f.engine);
+
+        f.engine.start(1);
+        QTRY_COMPARE(osc.datagrams, QList{OSCCodec::encode(QStringLiteral("/start"), {qint32(2), QStringLiteral("Ana")})});
+        QTRY_COMPARE(http.requests, QList<QByteArray>{"GET /go?cue=Q%26R&n=2 HTTP/1.1 "});
+        f.clock.advance(81s); // 119 s left
+        QTRY_COMPARE(osc.datagrams.size(), 2);
+        QCOMPARE(osc.datagrams[1], OSCCodec::encode(QStringLiteral("/warning"), {qint32(119)}));
+        f.clock.advance(90s); // 29 s
+        QTRY_COMPARE(osc.datagrams.size(), 3);
+        QCOMPARE(osc.datagrams[2], OSCCodec::encode(QStringLiteral("/danger"), {29.0f}));
+        f.clock.advance(30s); // -1 s
+        QTRY_COMPARE(osc.datagrams.size(), 4);
+        QCOMPARE(osc.datagrams[3], OSCCodec::encode(QStringLiteral("/zero"), {}));
+        f.clock.advance(41s); // 42 s of overtime
+        f.engine.next(); // the last cue: "next" stops
+        QTRY_COMPARE(http.requests.size(), 2);
+        QCOMPARE(http.requests[1], QByteArray("POST /end HTTP/1.1 Q&R -42"));
+        QTRY_COMPARE(dispatcher.pending(), 0);
+        // Nothing else went: the first cue's start was not sent (it never started).
+        QCOMPARE(osc.datagrams.size(), 4);
+    }
+
+    void aFailureIsToldOncePerTriggerAndEveryTimeByHand()
+    {
+        HttpReceiver refusing;
+        refusing.status = 404;
+        const quint16 closed = freeTcpPort();
+        Cue cue = durationCue(QStringLiteral("Keynote"), 200);
+        cue.triggers = {
+            oscTrigger(TriggerMoment::Start, 9000, "/go"),
+            httpTrigger(TriggerMoment::Start, QStringLiteral("GET"), refusing.url("/missing")),
+            httpTrigger(TriggerMoment::Start, QStringLiteral("GET"), QStringLiteral("http://127.0.0.1:%1/").arg(closed)),
+            oscTrigger(TriggerMoment::Start, 9000, "/go", {{'i', QStringLiteral("{cue}")}}),
+        };
+        std::get<OscTriggerTarget>(cue.triggers[0].target).host = QStringLiteral("régie.invalid");
+        EngineFixture f;
+        f.engine.loadSession(showOf({cue}));
+        OSCService service;
+        TriggerDispatcher dispatcher(service);
+        dispatcher.attach(f.engine);
+        QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
+
+        f.engine.start(0);
+        // The name's lookup may wait on the machine's resolver.
+        QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 4, 30000);
+        QStringList texts;
+        for (const QList<QVariant> &args : std::as_const(failed))
+            texts << args.at(0).toString();
+        texts.sort();
+        QCOMPARE(texts, (QStringList{
+                            QStringLiteral("Déclencheur « Lumières » : hôte inconnu : régie.invalid"),
+                            QStringLiteral("Déclencheur « Lumières » : l'argument 1 « Keynote » n'est pas un nombre"),
+                            QStringLiteral("Déclencheur « Régie vidéo » : pas de réponse de 127.0.0.1"),
+                            QStringLiteral("Déclencheur « Régie vidéo » : réponse HTTP 404 de 127.0.0.1"),
+                        }));
+        // Fired again, they fail again, quietly.
+        f.engine.start(0);
+        QTRY_COMPARE_WITH_TIMEOUT(dispatcher.pending(), 0, 30000);
+        QTRY_COMPARE(refusing.requests.size(), 2);
+        QCOMPARE(failed.size(), 4);
+        // By hand, the operator is told every time.
+        dispatcher.sendNow(cue.triggers[1], TriggerContext{});
+        QTRY_COMPARE(failed.size(), 5);
+    }
+
+    void aServerThatNeverAnswersFailsAfterTwoSeconds()
+    {
+        HttpReceiver silent;
+        silent.silent = true;
+        OSCService service;
+        TriggerDispatcher dispatcher(service);
+        QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
+        dispatcher.sendNow(httpTrigger(TriggerMoment::Zero, QStringLiteral("GET"), silent.url("/cut")), {});
+        QCOMPARE(dispatcher.pending(), 1);
+        QVERIFY(failed.wait(5000));
+        QCOMPARE(failed.at(0).at(0).toString(), QStringLiteral("Déclencheur « Régie vidéo » : pas de réponse de 127.0.0.1"));
+        QCOMPARE(silent.requests.size(), 1);
+        QCOMPARE(dispatcher.pending(), 0);
+    }
+};
+
+QTEST_MAIN(TestTriggerDispatcher)
+#include "tst_triggerdispatcher.moc"
