@@ -40,13 +40,16 @@ QStringList differences(const Cue &show, const Cue &sheet, const QTimeZone &zone
     return fields;
 }
 
-// The show's cue with the sheet's planned fields: its identity and its log stay.
+// The show's cue with the sheet's planned fields: its identity, its log, and what no sheet
+// carries (its fixed start, its triggers) stay.
 Cue updated(const Cue &show, const Cue &sheet, const QTimeZone &zone)
 {
     Cue cue = sheet;
     cue.id = show.id;
     cue.actualElapsed = show.actualElapsed;
     cue.overtime = show.overtime;
+    cue.fixedStart = show.fixedStart;
+    cue.triggers = show.triggers;
     // The same end time of day keeps the show's own date.
     if (show.hardOutTime && endOf(show, zone) == endOf(sheet, zone))
         cue.hardOutTime = show.hardOutTime;

@@ -58,6 +58,23 @@ private slots:
         QCOMPARE(merge.counts(), QStringLiteral("1 cue modifié, 1 ajouté, 1 supprimé"));
     }
 
+    void whatNoSheetCarriesStaysWithItsCue()
+    {
+        Cue keynote = cue("Keynote", 600);
+        keynote.fixedStart = QDateTime(QDate(2026, 11, 21), QTime(20, 15), paris);
+        keynote.triggers = {{TriggerMoment::Zero, QStringLiteral("Régie vidéo"),
+                             HttpTriggerTarget{QStringLiteral("GET"), QStringLiteral("http://10.0.0.9/cut"), {}}}};
+        const QList<Cue> show{keynote};
+        // Unchanged, the cue is the show's; changed, it keeps its fixed start and triggers.
+        QCOMPARE(RundownMerging::merge(show, {cue("Keynote", 600)}, paris).cues, show);
+        const RundownMerge merge = RundownMerging::merge(show, {cue("Keynote", 900)}, paris);
+        QCOMPARE(merge.cues.size(), 1);
+        QCOMPARE(merge.cues[0].duration, 900.0);
+        QCOMPARE(merge.cues[0].fixedStart, keynote.fixedStart);
+        QCOMPARE(merge.cues[0].triggers, keynote.triggers);
+        QCOMPARE(merge.changes, (QList<RundownMerge::Change>{{RundownMerge::Change::Changed, "Keynote", {"durée"}}}));
+    }
+
     void twoCuesOfTheSameNameMatchInOrder()
     {
         const QList<Cue> show{cue("Pause", 600), cue("Pause", 300)};
