@@ -149,8 +149,9 @@ test("the remaining time counted by the module is within 150 ms of the program's
 		const counted = readView(kairon.doc, state.serverTimeMs + kairon.link.clock.offset).value
 		assert.ok(Math.abs(counted - state.remaining) <= 0.15, `module ${counted} s, program ${state.remaining} s`)
 		t.diagnostic(`reading at +${offsetMs} ms: module - program = ${((counted - state.remaining) * 1000).toFixed(2)} ms`)
-		// And the text it shows is the one for now (either side of a change a few ms away).
-		const texts = [-5, 5].map((ms) => formatCountdown(readView(kairon.doc, kairon.now() + ms).value, true))
+		// And the text it shows is the one for now, either side of a change within the 150 ms
+		// the module may take on a busy machine.
+		const texts = [-150, 150].map((ms) => formatCountdown(readView(kairon.doc, kairon.now() + ms).value, true))
 		assert.ok(texts.includes(host.values.remaining), `${host.values.remaining} shown, ${texts} expected`)
 	}
 
