@@ -34,7 +34,7 @@ void print(const char *what, std::vector<qint64> ns)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    // The refused HTTP triggers of part 2 would log each failure.
+    // The refused HTTP triggers of the second measure would log each failure.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &message) {
         if (!message.startsWith(QLatin1StringView("kairon-trigger:")))
             std::fprintf(stderr, "%s\n", qPrintable(message));
