@@ -5,6 +5,8 @@
 //     arrival. Goal: median ≤ 2 ms, max ≤ 10 ms.
 //  2. the main thread's time per trigger: a moment with 10 OSC and 10 HTTP triggers, the time
 //     the engine's signal spends in the dispatcher, divided by 20. Goal: under 1 ms.
+//  3. the clock while 100 triggers fail (a server that never answers, an address nothing
+//     routes): how late each new second is published. It should be as without them.
 // Usage: bench_triggers [cues]   (20 by default)
 #include "benchsupport.h"
 #include "oscservice.h"
@@ -16,9 +18,12 @@
 #include <QThread>
 #include <QTimer>
 #include <QNetworkDatagram>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QUdpSocket>
 
 #include <atomic>
+#include <cmath>
 
 namespace {
 double ms(qint64 ns) { return double(ns) / 1e6; }
@@ -116,6 +121,55 @@ int main(int argc, char **argv)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
     }
     print("Main thread per trigger (10 OSC + 10 HTTP per moment)", perTrigger);
+
+    // 3. 100 triggers that fail at a cue's start (50 to a server that accepts and never
+    //    answers, 50 to an address nothing routes), then each new second the engine publishes
+    //    over the next 5 s against the instant it really changed.
+    QTcpServer silent;
+    silent.listen(QHostAddress::LocalHost, 0);
+    QList<QTcpSocket *> held;
+    QObject::connect(&silent, &QTcpServer::newConnection, [&] {
+        while (QTcpSocket *socket = silent.nextPendingConnection())
+            held.append(socket); // read nothing, answer nothing
+    });
+    TimerSession loaded;
+    Cue failing;
+    failing.name = QStringLiteral("Charge");
+    failing.duration = 3600;
+    for (int i = 0; i < 50; ++i) {
+        failing.triggers.append({TriggerMoment::Start, QStringLiteral("Muet %1").arg(i),
+                                 HttpTriggerTarget{QStringLiteral("GET"),
+                                                   QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort()), {}}});
+        failing.triggers.append({TriggerMoment::Start, QStringLiteral("Injoignable %1").arg(i),
+                                 HttpTriggerTarget{QStringLiteral("GET"), QStringLiteral("http://10.255.255.1/"), {}}});
+    }
+    loaded.cues << failing;
+    engine.loadSession(loaded);
+    std::vector<qint64> lateness;
+    long long shownSecond = -1;
+    qint64 startUs = 0;
+    engine.setOnStateChange([&](const TimerStateSnapshot &state) {
+        const qint64 nowNs = steadyNs();
+        const auto second = static_cast<long long>(std::floor(state.remaining));
+        if (shownSecond >= 0 && second != shownSecond && second < 3600) {
+            const long long boundaryNs = (startUs + (3600 - shownSecond) * 1'000'000LL) * 1000;
+            lateness.push_back(nowNs - boundaryNs);
+            if (qEnvironmentVariableIsSet("KAIRON_BENCH_VERBOSE"))
+                std::printf("second %lld: %.3f ms late\n", second, ms(lateness.back()));
+        }
+        shownSecond = second;
+    });
+    startUs = clock.monotonicUs();
+    engine.start(0);
+    const int failingAtStart = dispatcher.pending();
+    const qint64 until = steadyNs() + 5'200'000'000LL;
+    while (steadyNs() < until)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    engine.setOnStateChange(nullptr);
+    engine.stop();
+    std::printf("%d triggers failing (%d still pending after 5 s)\n", failingAtStart, dispatcher.pending());
+    print("Each new second's lateness meanwhile", lateness);
+    qDeleteAll(held);
 
     QMetaObject::invokeMethod(receiver, [receiver] { delete receiver; }, Qt::BlockingQueuedConnection);
     receiverThread.quit();
