@@ -39,6 +39,11 @@ QString reasonOf(QNetworkReply &reply)
     }
 }
 
+QString queueFull()
+{
+    return QStringLiteral("file d'attente pleine (%1 messages)").arg(TriggerDispatcher::maxPending);
+}
+
 QList<OSCArgument> oscArguments(const ResolvedOsc &message)
 {
     QList<OSCArgument> args;
@@ -69,25 +74,45 @@ void TriggerDispatcher::onMoment(const TimerEngine &engine, TriggerMoment moment
         return;
     const TriggerContext context = contextOf(cue, index, remaining);
     const QString cueKey = cue.id.toString(QUuid::WithoutBraces);
+    const bool wasIdle = m_due.isEmpty();
+    auto enqueue = [&](const CueTrigger &trigger, const QString &key) {
+        if (pending() >= maxPending)
+            finish(trigger, key, queueFull());
+        else
+            m_due.append({trigger, context, key});
+    };
     for (qsizetype i = 0; i < cue.triggers.size(); ++i)
         if (cue.triggers[i].when == moment)
-            send(cue.triggers[i], context, cueKey + u'/' + QString::number(i));
+            enqueue(cue.triggers[i], cueKey + u'/' + QString::number(i));
     for (qsizetype i = 0; i < shown.size(); ++i)
         if (shown[i].when == moment)
-            send(shown[i], context, QStringLiteral("show/") + QString::number(i));
+            enqueue(shown[i], QStringLiteral("show/") + QString::number(i));
+    if (wasIdle && !m_due.isEmpty())
+        QMetaObject::invokeMethod(this, &TriggerDispatcher::handOver, Qt::QueuedConnection);
+}
+
+void TriggerDispatcher::handOver()
+{
+    // A few at a time, one turn of the event loop each: the operation that caused the moment
+    // (a start, say) shows first, and a tick falls between two handfuls, never behind a hundred.
+    for (int n = 0; n < handOverPerTurn && !m_due.isEmpty(); ++n) {
+        const Due due = m_due.takeFirst();
+        send(due.trigger, due.context, due.key);
+    }
+    if (!m_due.isEmpty())
+        QMetaObject::invokeMethod(this, &TriggerDispatcher::handOver, Qt::QueuedConnection);
 }
 
 void TriggerDispatcher::sendNow(const CueTrigger &trigger, const TriggerContext &context)
 {
-    send(trigger, context, QString());
+    if (pending() >= maxPending)
+        finish(trigger, QString(), queueFull());
+    else
+        send(trigger, context, QString());
 }
 
 void TriggerDispatcher::send(const CueTrigger &trigger, const TriggerContext &context, const QString &key)
 {
-    if (m_pending >= maxPending) {
-        finish(trigger, key, QStringLiteral("file d'attente pleine (%1 messages)").arg(maxPending));
-        return;
-    }
     const std::variant<ResolvedTrigger, QString> resolved = CueTriggers::resolve(trigger, context);
     if (const auto *reason = std::get_if<QString>(&resolved)) {
         finish(trigger, key, *reason);

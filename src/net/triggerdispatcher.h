@@ -12,8 +12,9 @@ struct Cue;
 
 // Sends the cues' triggers, and the show's, as the engine tells their moments: OSC from the OSC
 // service's thread, HTTP through Qt's network access with a 2 s limit. The main thread only
-// fills in the placeholders and hands each message over, so a host that never answers never
-// holds the clock. At most 1,000 messages wait at once; past that, a trigger fails at once.
+// fills in the placeholders and hands the messages over, a few per turn of the event loop from
+// the turn after the moment, so a host that never answers never holds the clock, nor does a
+// long list of triggers hold the operation that set them off or the ticks after it. At most 1,000 messages wait at once; past that, a trigger fails at once.
 // A trigger that fails is reported once (`failed`), then only logged, until it works again.
 class TriggerDispatcher : public QObject
 {
@@ -30,8 +31,9 @@ public:
     // Sends one trigger as it would fire for `context` ("Envoyer maintenant"); a failure is
     // reported each time, since the operator asked.
     void sendNow(const CueTrigger &trigger, const TriggerContext &context);
-    // The messages handed over and not yet sent, answered or failed.
-    int pending() const { return m_pending; }
+    // The messages waiting to be handed over, or handed over and not yet sent, answered or
+    // failed.
+    int pending() const { return int(m_due.size()) + m_pending; }
 
 signals:
     // "Déclencheur « NAME » : REASON", for a quiet toast.
@@ -40,14 +42,24 @@ signals:
     void delivered(const QString &name);
 
 private:
+    // A trigger whose moment came, waiting for its turn to be handed over.
+    struct Due {
+        CueTrigger trigger;
+        TriggerContext context;
+        QString key;
+    };
+    static constexpr int handOverPerTurn = 8;
+
     void onMoment(const TimerEngine &engine, TriggerMoment moment, const Cue &cue, int index,
                   double remaining);
+    void handOver();
     // `key` names the trigger across firings ("" for a trigger sent by hand).
     void send(const CueTrigger &trigger, const TriggerContext &context, const QString &key);
     void finish(const CueTrigger &trigger, const QString &key, const QString &failure);
 
     OSCService &m_osc;
     QNetworkAccessManager m_http;
+    QList<Due> m_due; // in the order their moments came
     int m_pending = 0;
     QSet<QString> m_reported; // keys of the triggers whose failure was shown
 };

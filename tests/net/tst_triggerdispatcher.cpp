@@ -172,6 +172,37 @@ private slots:
         QTRY_COMPARE(failed.size(), 5);
     }
 
+    void manyTriggersLeaveAfterTheOperationInOrderAndPastAThousandTheRestFail()
+    {
+        OscReceiver osc;
+        Cue cue = durationCue(QStringLiteral("Keynote"), 600);
+        for (int i = 0; i <= TriggerDispatcher::maxPending; ++i) {
+            cue.triggers.append(oscTrigger(TriggerMoment::Start, osc.socket.localPort(), "/go"));
+            cue.triggers.last().name = QString::number(i);
+        }
+        EngineFixture f;
+        f.engine.loadSession(showOf({cue}));
+        OSCService service;
+        TriggerDispatcher dispatcher(service);
+        dispatcher.attach(f.engine);
+        QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
+        QSignalSpy delivered(&dispatcher, &TriggerDispatcher::delivered);
+
+        // The start returns at once: a thousand wait their turn, the one past them fails.
+        f.engine.start(0);
+        QCOMPARE(dispatcher.pending(), TriggerDispatcher::maxPending);
+        QCOMPARE(failed.size(), 1);
+        QCOMPARE(failed.at(0).at(0).toString(),
+                 QStringLiteral("Déclencheur « 1000 » : file d'attente pleine (1000 messages)"));
+        QVERIFY(delivered.isEmpty() && osc.datagrams.isEmpty());
+        // Then every one leaves, in order (the receiver's buffer may drop some on arrival).
+        QTRY_COMPARE_WITH_TIMEOUT(delivered.size(), TriggerDispatcher::maxPending, 10000);
+        for (int i = 0; i < delivered.size(); ++i)
+            QCOMPARE(delivered.at(i).at(0).toString(), QString::number(i));
+        QTRY_VERIFY(!osc.datagrams.isEmpty());
+        QCOMPARE(dispatcher.pending(), 0);
+    }
+
     void aServerThatNeverAnswersFailsAfterTwoSeconds()
     {
         HttpReceiver silent;
