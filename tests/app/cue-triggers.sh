@@ -13,13 +13,7 @@ fail() {
     exit 1
 }
 # Waits up to 10 s for a line of FILE that matches the pattern (grep -E).
-wait_for() {
-    for _ in $(seq 500); do
-        grep -qE "$2" "$1" && return 0
-        sleep 0.02
-    done
-    return 1
-}
+wait_for() { wait_for_line "$1" "$2" 500; }
 
 sandbox_home "$dir"
 osc_preferences splashDuration=1

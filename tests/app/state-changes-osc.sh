@@ -16,13 +16,7 @@ fail() {
     exit 1
 }
 # Waits up to 5 s for a line of what oscdump printed that matches the pattern (grep -E).
-wait_for() {
-    for _ in $(seq 250); do
-        grep -qE "$1" "$run/received" && return 0
-        sleep 0.02
-    done
-    return 1
-}
+wait_for() { wait_for_line "$run/received" "$1"; }
 # A program of its own in $dir/$1, with the switch stored as $2 (true or false), and the show's
 # planned start $3 if given (an Internet date).
 start() {

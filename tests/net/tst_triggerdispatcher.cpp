@@ -66,6 +66,19 @@ struct HttpReceiver {
     bool silent = false;
 };
 
+// An engine on the hand-moved clock holding `show`, its moments sent by a dispatcher over a real
+// OSC service.
+struct DispatchingFixture {
+    explicit DispatchingFixture(const TimerSession &show)
+    {
+        f.engine.loadSession(show);
+        dispatcher.attach(f.engine);
+    }
+    EngineFixture f;
+    OSCService service;
+    TriggerDispatcher dispatcher{service};
+};
+
 CueTrigger oscTrigger(TriggerMoment when, quint16 port, const char *address, QList<TriggerArgument> args = {})
 {
     return {when, QStringLiteral("Lumières"),
@@ -102,11 +115,8 @@ private slots:
         TimerSession show = showOf({durationCue(QStringLiteral("Accueil"), 60), keynote});
         show.triggers = {httpTrigger(TriggerMoment::Start, QStringLiteral("GET"), http.url("/go?cue={cue}&n={index}"))};
 
-        EngineFixture f;
-        f.engine.loadSession(show);
-        OSCService service;
-        TriggerDispatcher dispatcher(service);
-        dispatcher.attach(f.engine);
+        DispatchingFixture fixture(show);
+        auto &[f, service, dispatcher] = fixture;
 
         f.engine.start(1);
         QTRY_COMPARE(osc.datagrams, QList{OSCCodec::encode(QStringLiteral("/start"), {qint32(2), QStringLiteral("Ana")})});
@@ -142,11 +152,8 @@ private slots:
             oscTrigger(TriggerMoment::Start, 9000, "/go", {{'i', QStringLiteral("{cue}")}}),
         };
         std::get<OscTriggerTarget>(cue.triggers[0].target).host = QStringLiteral("régie.invalid");
-        EngineFixture f;
-        f.engine.loadSession(showOf({cue}));
-        OSCService service;
-        TriggerDispatcher dispatcher(service);
-        dispatcher.attach(f.engine);
+        DispatchingFixture fixture(showOf({cue}));
+        auto &[f, service, dispatcher] = fixture;
         QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
 
         f.engine.start(0);
@@ -180,11 +187,8 @@ private slots:
             cue.triggers.append(oscTrigger(TriggerMoment::Start, osc.socket.localPort(), "/go"));
             cue.triggers.last().name = QString::number(i);
         }
-        EngineFixture f;
-        f.engine.loadSession(showOf({cue}));
-        OSCService service;
-        TriggerDispatcher dispatcher(service);
-        dispatcher.attach(f.engine);
+        DispatchingFixture fixture(showOf({cue}));
+        auto &[f, service, dispatcher] = fixture;
         QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
         QSignalSpy delivered(&dispatcher, &TriggerDispatcher::delivered);
 

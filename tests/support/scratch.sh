@@ -42,6 +42,16 @@ osc_preferences() {
     printf '%s\n' "$@" >> "$XDG_CONFIG_HOME/Kairon/Kairon.conf"
 }
 
+# wait_for_line FILE PATTERN [TRIES]: waits (TRIES × 20 ms, 5 s unless told) until a line of
+# FILE matches PATTERN (grep -E); fails quietly otherwise.
+wait_for_line() {
+    for _ in $(seq "${3:-250}"); do
+        grep -qE "$2" "$1" && return 0
+        sleep 0.02
+    done
+    return 1
+}
+
 # wait_for_trace TRACE MARK [TRIES]: waits (TRIES × 20 ms, 5 s unless told) until the program
 # started with KAIRON_STARTUP_TRACE=1, its standard error in TRACE, says "kairon-startup MARK";
 # else prints TRACE and fails.
