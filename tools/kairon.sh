@@ -40,11 +40,13 @@ fi
 
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "${options[@]}"
 cmake --build build
+echo "Built in ${SECONDS} s"
 
 if [[ "$1" == run ]]; then
     exec build/src/app/kairon
 fi
 (cd build && ctest --output-on-failure --parallel "$(nproc)")
+echo "Tested at ${SECONDS} s"
 
 # The same program and tests built with AddressSanitizer and UndefinedBehaviorSanitizer: the
 # engine's, the views' and the real program's tests run again there (the fuzzers run sanitized
@@ -56,6 +58,7 @@ cmake -S . -B build-sanitized -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" -DKAIRON_SANITIZE=ON \
     -DKAIRON_BUILD_TESTS=ON -DKAIRON_BUILD_BENCH=OFF -DKAIRON_FUZZ_TESTS=OFF
 cmake --build build-sanitized
+echo "Sanitized build done at ${SECONDS} s"
 reports=$PWD/build-sanitized/sanitizer-reports
 rm -rf "$reports" && mkdir -p "$reports"
 export ASAN_OPTIONS="detect_leaks=0:abort_on_error=1:log_path=$reports/asan"

@@ -271,11 +271,14 @@ async def digit_timing(app, stage, confidence, skewed):
             check(-50 <= delta <= 50, f"{count_from}: a change {delta} ms from the engine's second")
             check(shown == shown_second_text(first_second - 1 - k),
                   f"{count_from}: {shown!r} shown after the change of second {k}")
+    # The wall clock follows the page's estimate of the program's clock, which may be a few
+    # milliseconds either side of this browser's: each change is judged against the nearest second.
     for at, shown, _ in (await confidence.evaluate("window.__clock"))[1:]:
-        delta = at % 1000
+        second = round(at / 1000) * 1000
+        delta = at - second
         deltas.append(delta)
-        check(delta <= 50, f"wall clock changed {delta} ms into the second")
-        check(shown == venue_time(at).strftime("%H:%M:%S") or shown == venue_time(at - 60).strftime("%H:%M:%S"),
+        check(-50 <= delta <= 50, f"wall clock changed {delta} ms from a whole second")
+        check(shown == venue_time(second).strftime("%H:%M:%S"),
               f"wall clock {shown!r} at {venue_time(at)}")
     return deltas
 
@@ -555,7 +558,7 @@ async def scenario(app, browser):
     await expect_colour(stage, "time", GREEN, "green again after the restart")
 
     print(f"digit changes against the engine's instants: {len(deltas)} changes, "
-          f"{min(deltas)} to {max(deltas)} ms after (mean {sum(deltas) / len(deltas):.1f})")
+          f"{min(deltas)} to {max(deltas)} ms from them (mean {sum(deltas) / len(deltas):.1f})")
     print(f"'Connexion perdue' after {lost_after:.2f} s (no answer) and {gone_after:.2f} s (program ended)")
 
 
