@@ -133,6 +133,9 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
     OutputWindows outputs(screens, toasts, clock);
     SessionStore store(clock);
     ConsoleController console(engine, store, flow, toasts, clock, &FileReveal::show);
+    console.setTriggerSender([&triggers](const CueTrigger &trigger, const TriggerContext &context, auto done) {
+        triggers.sendNow(trigger, context, std::move(done));
+    });
     // A show interrupted last time comes back first, where its clock is now.
     ShowRecovery recovery(engine, store, flow, toasts, clock);
     const std::optional<QString> file = commandLine.projectFiles.isEmpty()

@@ -78,29 +78,68 @@ std::optional<TriggerMoment> TriggerMoments::fromRawValue(const QString &raw)
     return std::nullopt;
 }
 
+std::optional<QString> CueTriggers::hostProblem(const QString &host)
+{
+    if (host.trimmed().isEmpty())
+        return QStringLiteral("l'hôte est vide");
+    return std::nullopt;
+}
+
+std::optional<QString> CueTriggers::portProblem(int port)
+{
+    if (port < 1 || port > 65535)
+        return QStringLiteral("le port doit aller de 1 à 65535");
+    return std::nullopt;
+}
+
+std::optional<QString> CueTriggers::addressProblem(const QString &address)
+{
+    if (!address.startsWith(u'/'))
+        return QStringLiteral("l'adresse OSC doit commencer par « / »");
+    return std::nullopt;
+}
+
+std::optional<QString> CueTriggers::urlProblem(const QString &text)
+{
+    const QUrl url(text); // tolerant: its placeholders are filled in only when it fires
+    const bool web = text.startsWith(QLatin1StringView("http://")) || text.startsWith(QLatin1StringView("https://"));
+    if (!web || !url.isValid() || url.host().isEmpty())
+        return QStringLiteral("l'URL doit commencer par http:// ou https:// et nommer un hôte");
+    return std::nullopt;
+}
+
+std::optional<QString> CueTriggers::argumentProblem(const TriggerArgument &argument, int position)
+{
+    if (argument.type != 'i' && argument.type != 'f' && argument.type != 's')
+        return QStringLiteral("un argument OSC est de type i, f ou s");
+    if (argument.type == 's' || argument.value.isDouble())
+        return std::nullopt;
+    // The numbers a cue puts in; a name put in an int or a float is no number, whatever it is.
+    TriggerContext numbers;
+    numbers.cue = numbers.speaker = QStringLiteral("?");
+    const auto converted = convert(argument, position, numbers);
+    if (std::holds_alternative<QString>(converted))
+        return QStringLiteral("l'argument %1 « %2 » n'est pas un nombre").arg(position).arg(argument.value.toString());
+    return std::nullopt;
+}
+
 std::optional<QString> CueTriggers::problem(const CueTrigger &trigger)
 {
     if (const auto *osc = std::get_if<OscTriggerTarget>(&trigger.target)) {
-        if (osc->host.trimmed().isEmpty())
-            return QStringLiteral("l'hôte est vide");
-        if (osc->port < 1 || osc->port > 65535)
-            return QStringLiteral("le port doit aller de 1 à 65535");
-        if (!osc->address.startsWith(u'/'))
-            return QStringLiteral("l'adresse OSC doit commencer par « / »");
+        std::optional<QString> reason = hostProblem(osc->host);
+        if (!reason)
+            reason = portProblem(osc->port);
+        if (!reason)
+            reason = addressProblem(osc->address);
         for (const TriggerArgument &argument : osc->args)
-            if (argument.type != 'i' && argument.type != 'f' && argument.type != 's')
-                return QStringLiteral("un argument OSC est de type i, f ou s");
-        return std::nullopt;
+            if (!reason && argument.type != 'i' && argument.type != 'f' && argument.type != 's')
+                reason = QStringLiteral("un argument OSC est de type i, f ou s");
+        return reason;
     }
     const auto &http = std::get<HttpTriggerTarget>(trigger.target);
     if (http.method != QLatin1StringView("GET") && http.method != QLatin1StringView("POST"))
         return QStringLiteral("la méthode est GET ou POST");
-    const QUrl url(http.url); // tolerant: its placeholders are filled in only when it fires
-    const bool web = http.url.startsWith(QLatin1StringView("http://"))
-                     || http.url.startsWith(QLatin1StringView("https://"));
-    if (!web || !url.isValid() || url.host().isEmpty())
-        return QStringLiteral("l'URL doit commencer par http:// ou https:// et nommer un hôte");
-    return std::nullopt;
+    return urlProblem(http.url);
 }
 
 QString CueTriggers::fill(const QString &text, const TriggerContext &context)

@@ -82,6 +82,15 @@ namespace CueTriggers {
 // http:// or https://, a method other than GET or POST.
 std::optional<QString> problem(const CueTrigger &trigger);
 
+// The same checks one field at a time, for the editor to give each reason beside its field.
+std::optional<QString> hostProblem(const QString &host);
+std::optional<QString> portProblem(int port);
+std::optional<QString> addressProblem(const QString &address);
+std::optional<QString> urlProblem(const QString &url);
+// Why an argument (numbered from 1) could never be a number of its type, whatever its cue: a
+// text, once the numbers {index} and {remaining} are put in, that reads as no number.
+std::optional<QString> argumentProblem(const TriggerArgument &argument, int position);
+
 // `text` with {cue}, {speaker}, {index} and {remaining} replaced.
 QString fill(const QString &text, const TriggerContext &context);
 

@@ -187,7 +187,8 @@ public:
     // and its undo steps are kept.
     void returnToIdle();
     // Takes the project data of `edited` (name, client, venue, operator, event date, notes, the
-    // show's planned start): the running order and the clock are left as they are.
+    // show's planned start) and its show-wide triggers (an undo step when they change): the
+    // running order and the clock are left as they are.
     void updateProjectInfo(const TimerSession &edited);
     // The spreadsheet the running order follows from now on, or none. Not an undo step: undoing
     // an import brings back the cues, the link to the file stays as last chosen.
@@ -316,7 +317,12 @@ private:
     void clampIndices(const QList<Cue> &previousCues);
     void clampSelection();
     void leaveRemovedActiveCue(const Cue &removed);
-    void restoreFrom(QList<QList<Cue>> &from, QList<QList<Cue>> &to);
+    // What an undo step puts back: the running order and the show-wide triggers.
+    struct EditStep {
+        QList<Cue> cues;
+        QList<CueTrigger> showTriggers;
+    };
+    void restoreFrom(QList<EditStep> &from, QList<EditStep> &to);
     // recomputeDerived, then records the active cue and the clock as changed
     void refreshDerived();
     void setActiveCueID(std::optional<QUuid> id);
@@ -349,8 +355,8 @@ private:
     std::optional<qint64> m_doorsTargetMs; // wall clock, ms since the epoch
     double m_doorsRemaining = 0;
     bool m_showLocked = false;
-    QList<QList<Cue>> m_undoStack; // newest last, at most 50
-    QList<QList<Cue>> m_redoStack;
+    QList<EditStep> m_undoStack; // newest last, at most 50
+    QList<EditStep> m_redoStack;
     bool m_soundsEnabled = true;
     bool m_firedWarning = false;
     bool m_firedDanger = false;

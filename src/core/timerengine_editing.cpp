@@ -11,7 +11,7 @@ constexpr qsizetype maxUndoSteps = 50;
 
 void TimerEngine::pushUndo()
 {
-    m_undoStack.append(m_session.cues);
+    m_undoStack.append({m_session.cues, m_session.triggers});
     if (m_undoStack.size() > maxUndoSteps)
         m_undoStack.removeFirst();
     m_redoStack.clear();
@@ -139,15 +139,17 @@ void TimerEngine::redo()
     restoreFrom(m_redoStack, m_undoStack);
 }
 
-void TimerEngine::restoreFrom(QList<QList<Cue>> &from, QList<QList<Cue>> &to)
+void TimerEngine::restoreFrom(QList<EditStep> &from, QList<EditStep> &to)
 {
     const Batch batch(*this);
     // Only the recording of a new step trims the stacks to 50.
     if (from.isEmpty())
         return;
     const QList<Cue> previous = m_session.cues;
-    to.append(previous);
-    m_session.cues = from.takeLast();
+    to.append({previous, m_session.triggers});
+    const EditStep step = from.takeLast();
+    m_session.cues = step.cues;
+    m_session.triggers = step.showTriggers;
     refreshDerived();
     clampIndices(previous);
     cuesEdited();
@@ -174,6 +176,12 @@ void TimerEngine::updateProjectInfo(const TimerSession &edited)
     m_session.notes = edited.notes;
     m_session.scheduledStart = edited.scheduledStart;
     m_session.updatedAt = edited.updatedAt;
+    // The show-wide triggers are edited as the cues are: a change is an undo step.
+    if (m_session.triggers != edited.triggers) {
+        pushUndo();
+        m_session.triggers = edited.triggers;
+        notify(&TimerEngine::undoStateChanged);
+    }
     notify(&TimerEngine::sessionChanged);
 }
 

@@ -103,28 +103,29 @@ void TriggerDispatcher::handOver()
         QMetaObject::invokeMethod(this, &TriggerDispatcher::handOver, Qt::QueuedConnection);
 }
 
-void TriggerDispatcher::sendNow(const CueTrigger &trigger, const TriggerContext &context)
+void TriggerDispatcher::sendNow(const CueTrigger &trigger, const TriggerContext &context, Done done)
 {
     if (pending() >= maxPending)
-        finish(trigger, QString(), queueFull());
+        finish(trigger, QString(), queueFull(), done);
     else
-        send(trigger, context, QString());
+        send(trigger, context, QString(), std::move(done));
 }
 
-void TriggerDispatcher::send(const CueTrigger &trigger, const TriggerContext &context, const QString &key)
+void TriggerDispatcher::send(const CueTrigger &trigger, const TriggerContext &context, const QString &key,
+                             Done done)
 {
     const std::variant<ResolvedTrigger, QString> resolved = CueTriggers::resolve(trigger, context);
     if (const auto *reason = std::get_if<QString>(&resolved)) {
-        finish(trigger, key, *reason);
+        finish(trigger, key, *reason, done);
         return;
     }
     ++m_pending;
     const ResolvedTrigger &message = std::get<ResolvedTrigger>(resolved);
     if (const auto *osc = std::get_if<ResolvedOsc>(&message)) {
         m_osc.sendTo(osc->host, osc->port, osc->address, oscArguments(*osc), this,
-                     [this, trigger, key](const QString &failure) {
+                     [this, trigger, key, done](const QString &failure) {
                          --m_pending;
-                         finish(trigger, key, failure);
+                         finish(trigger, key, failure, done);
                      });
         return;
     }
@@ -137,15 +138,18 @@ void TriggerDispatcher::send(const CueTrigger &trigger, const TriggerContext &co
     } else {
         reply = m_http.get(request);
     }
-    connect(reply, &QNetworkReply::finished, this, [this, reply, trigger, key] {
+    connect(reply, &QNetworkReply::finished, this, [this, reply, trigger, key, done] {
         reply->deleteLater();
         --m_pending;
-        finish(trigger, key, reasonOf(*reply));
+        finish(trigger, key, reasonOf(*reply), done);
     });
 }
 
-void TriggerDispatcher::finish(const CueTrigger &trigger, const QString &key, const QString &failure)
+void TriggerDispatcher::finish(const CueTrigger &trigger, const QString &key, const QString &failure,
+                               const Done &done)
 {
+    if (done)
+        done(failure);
     if (failure.isEmpty()) {
         m_reported.remove(key);
         emit delivered(trigger.name);
@@ -153,6 +157,8 @@ void TriggerDispatcher::finish(const CueTrigger &trigger, const QString &key, co
     }
     const QString text = QStringLiteral("Déclencheur « %1 » : %2").arg(trigger.name, failure);
     qWarning().noquote() << "kairon-trigger:" << text;
+    if (done)
+        return; // shown where it was asked for
     if (key.isEmpty() || !m_reported.contains(key)) {
         if (!key.isEmpty())
             m_reported.insert(key);

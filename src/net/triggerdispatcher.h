@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QSet>
 
+#include <functional>
+
 class OSCService;
 class TimerEngine;
 struct Cue;
@@ -28,9 +30,13 @@ public:
 
     // Follows the engine's moments from now on.
     void attach(TimerEngine &engine);
-    // Sends one trigger as it would fire for `context` ("Envoyer maintenant"); a failure is
+    // Told "" once a message left or was answered, or the reason it failed.
+    using Done = std::function<void(const QString &failure)>;
+
+    // Sends one trigger as it would fire for `context` ("Envoyer maintenant"). With `done`, the
+    // outcome goes there (the editor shows it beside the trigger); without, a failure is
     // reported each time, since the operator asked.
-    void sendNow(const CueTrigger &trigger, const TriggerContext &context);
+    void sendNow(const CueTrigger &trigger, const TriggerContext &context, Done done = {});
     // The messages waiting to be handed over, or handed over and not yet sent, answered or
     // failed.
     int pending() const { return int(m_due.size()) + m_pending; }
@@ -54,8 +60,8 @@ private:
                   double remaining);
     void handOver();
     // `key` names the trigger across firings ("" for a trigger sent by hand).
-    void send(const CueTrigger &trigger, const TriggerContext &context, const QString &key);
-    void finish(const CueTrigger &trigger, const QString &key, const QString &failure);
+    void send(const CueTrigger &trigger, const TriggerContext &context, const QString &key, Done done = {});
+    void finish(const CueTrigger &trigger, const QString &key, const QString &failure, const Done &done = {});
 
     OSCService &m_osc;
     QNetworkAccessManager m_http;

@@ -17,11 +17,13 @@ constexpr PageFile pageFiles[] = {
     {"/", "index.html"},
     {"/stage", "stage.html"},
     {"/confidence", "confidence.html"},
+    {"/overlay", "overlay.html"},
     {"/pages/pages.css", "pages.css"},
     {"/pages/kairon.js", "kairon.js"},
     {"/pages/index.js", "index.js"},
     {"/pages/stage.js", "stage.js"},
     {"/pages/confidence.js", "confidence.js"},
+    {"/pages/overlay.js", "overlay.js"},
 };
 
 constexpr char themePath[] = "/pages/theme.css";

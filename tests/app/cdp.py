@@ -165,6 +165,15 @@ class Page:
     async def pixels(self, clip=None, scale=1):
         return Pixels.from_png(await self.screenshot(clip, scale))
 
+    async def transparent(self):
+        """From now on the page's default background is transparent, as in a video mixer's
+        browser source: a screenshot keeps the alpha of what the page leaves undrawn."""
+        await self.call("Emulation.setDefaultBackgroundColorOverride",
+                        {"color": {"r": 0, "g": 0, "b": 0, "a": 0}})
+
+    async def rgba(self, clip=None, scale=1):
+        return RgbaPixels.from_png(await self.screenshot(clip, scale))
+
 
 class Pixels:
     """RGB pixels of a screenshot, read with ImageMagick."""
@@ -202,3 +211,39 @@ class Pixels:
                     and abs(data[i + 2] - b) <= tolerance):
                 total += 1
         return total
+
+
+class RgbaPixels:
+    """RGBA pixels of a screenshot, read with ImageMagick (as a PAM image)."""
+
+    def __init__(self, width, height, data):
+        self.width, self.height, self.data = width, height, data
+
+    @staticmethod
+    def from_png(png):
+        pam = subprocess.run(["convert", "png:-", "-alpha", "on", "-depth", "8", "pam:-"],
+                             input=png, check=True, stdout=subprocess.PIPE).stdout
+        end = pam.index(b"ENDHDR\n")
+        header = dict(line.split(b" ", 1) for line in pam[:end].split(b"\n")[1:] if b" " in line)
+        width, height = int(header[b"WIDTH"]), int(header[b"HEIGHT"])
+        if int(header[b"DEPTH"]) != 4:
+            raise ValueError(f"a PAM image of depth {header[b'DEPTH']}, not RGBA")
+        return RgbaPixels(width, height, pam[end + 7:end + 7 + width * height * 4])
+
+    def at(self, x, y):
+        i = (y * self.width + x) * 4
+        return tuple(self.data[i:i + 4])
+
+    def region(self, left, top, right, bottom):
+        """Every pixel of the rectangle, as (x, y, r, g, b, a)."""
+        for y in range(max(0, top), min(self.height, bottom)):
+            for x in range(max(0, left), min(self.width, right)):
+                i = (y * self.width + x) * 4
+                yield (x, y) + tuple(self.data[i:i + 4])
+
+    def max_alpha(self, left=0, top=0, right=None, bottom=None):
+        right = self.width if right is None else right
+        bottom = self.height if bottom is None else bottom
+        if (left, top, right, bottom) == (0, 0, self.width, self.height):
+            return max(self.data[3::4], default=0)
+        return max((p[5] for p in self.region(left, top, right, bottom)), default=0)

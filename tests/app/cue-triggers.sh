@@ -26,7 +26,38 @@ oscdump -L "$triggers" > "$dir/osc" 2>&1 &
 pids+=($!)
 wait_for "$dir/http" "Serving HTTP" || fail "http.server did not start"
 
+# The program's own OSC out, each /kairon/remaining with the instant it arrived.
+python3 -u - "$send" > "$dir/remaining" <<'PY' &
+import socket, struct, sys, time
+s = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+s.bind(("127.0.0.1", int(sys.argv[1])))
+print("ready")
+while True:
+    datagram = s.recv(2048)
+    if datagram.startswith(b"/kairon/remaining\0"):
+        print(f"{time.time():.4f} {struct.unpack('>f', datagram[-4:])[0]:.3f}")
+PY
+pids+=($!)
+# A server that takes every connection and never answers.
+silent=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+python3 -u -c "import socket, time
+s = socket.socket(); s.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+s.bind(('127.0.0.1', $silent)); s.listen(200); print('listening'); time.sleep(3600)" > "$dir/silent" &
+pids+=($!)
+wait_for "$dir/remaining" ready || fail "the OSC out receiver did not start"
+wait_for "$dir/silent" listening || fail "the silent server did not start"
+
 osc() { printf '{"host": "127.0.0.1", "port": %d, "address": "%s", "args": [%s]}' "$triggers" "$1" "${2:-}"; }
+# A hundred triggers that fail at the start of "Table ronde": half to the silent server (no
+# answer in 2 s), half to a host no resolver knows.
+failing_triggers() {
+    local i
+    for i in $(seq 50); do
+        ((i > 1)) && printf ', '
+        printf '{"when": "start", "name": "Muet %d", "http": {"method": "GET", "url": "http://127.0.0.1:%d/%d"}}' "$i" "$silent" "$i"
+        printf ', {"when": "start", "name": "Inconnu %d", "osc": {"host": "regie-%d.invalid", "port": 9000, "address": "/go"}}' "$i" "$i"
+    done
+}
 cat > "$dir/show.orvprjct" <<JSON
 {"name": "Soirée", "cues": [
   {"name": "Ouverture", "speaker": "Ana", "duration": 3, "warningThreshold": 2, "dangerThreshold": 1,
@@ -36,7 +67,8 @@ cat > "$dir/show.orvprjct" <<JSON
      {"when": "danger", "name": "Danger", "osc": $(osc /danger)},
      {"when": "zero", "name": "Zéro", "osc": $(osc /zero)},
      {"when": "end", "name": "Régie vidéo", "http": {"method": "GET", "url": "http://127.0.0.1:$http/go/?end={cue}"}}]},
-  {"name": "Débat", "duration": 600}],
+  {"name": "Débat", "duration": 600},
+  {"name": "Table ronde", "duration": 900, "triggers": [$(failing_triggers)]}],
  "triggers": [{"when": "start", "name": "Son", "http": {"method": "GET", "url": "http://127.0.0.1:$http/go/?start={index}"}}]}
 JSON
 KAIRON_STARTUP_TRACE=1 "$kairon" "$dir/show.orvprjct" 2> "$dir/trace" &
@@ -56,4 +88,32 @@ order=$(awk '{print $2}' "$dir/osc" | tr '\n' ' ')
 oscsend 127.0.0.1 "$listen" /kairon/next
 wait_for "$dir/http" '"GET /go/\?end=Ouverture HTTP/1.1" 200' || fail "no end trigger"
 wait_for "$dir/http" '"GET /go/\?start=2 HTTP/1.1" 200' || fail "no show-wide start for the next cue"
+
+# The clock against the hundred failing triggers: each new second of the remaining time still
+# goes out over OSC, none skipped, and how late each is against the earliest is measured.
+oscsend 127.0.0.1 "$listen" /kairon/next
+wait_for "$dir/http" '"GET /go/\?start=3 HTTP/1.1" 200' || fail "no show-wide start for the third cue"
+wait_for "$dir/remaining" ' 89[0-3]\.' || fail "Table ronde's seconds did not go out"
+lateness=$(awk '$2 < 900 && $2 > 890 {
+        second = int($2 + 0.5); k = 899 - second
+        if (k in at) bad = "twice " second
+        at[k] = $1; if (k > last) last = k
+    }
+    END {
+        for (k = 0; k <= last && !bad; k++) if (!(k in at)) bad = "missing " 899 - k
+        if (bad) { print bad; exit }
+        base = at[0]
+        for (k = 0; k <= last; k++) if (at[k] - k < base) base = at[k] - k
+        for (k = 0; k <= last; k++) if (at[k] - k - base > worst) worst = at[k] - k - base
+        printf "%d %.0f\n", last + 1, worst * 1000
+    }' "$dir/remaining")
+read -r count worst <<< "$lateness"
+[[ $count =~ ^[0-9]+$ ]] && ((count >= 7)) || fail "the seconds of Table ronde: $lateness"
+# Far above any real lateness, below a second: a clock that waits for the triggers fails it.
+((worst < 500)) || fail "a second went out $worst ms late during the failing triggers"
+wait_for "$dir/trace" 'Déclencheur « Muet 1 » : pas de réponse de 127.0.0.1' \
+    || fail "the silent server's failure was not logged"
+wait_for "$dir/trace" 'Déclencheur « Inconnu 1 » : hôte inconnu : regie-1.invalid' \
+    || fail "the unknown host's failure was not logged"
 echo "triggers: start, warning, danger, zero over OSC; end and the show-wide start over HTTP"
+echo "100 failing triggers: $count seconds out over OSC, the latest $worst ms after the earliest's pace"

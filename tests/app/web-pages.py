@@ -330,7 +330,7 @@ async def scenario(app, browser):
     check(await text(index, "show-name") == "Soirée de gala", "index names the show")
     check(await index.evaluate("document.title") == "Kairon — Soirée de gala", "index title")
     check(await index.evaluate("[...document.querySelectorAll('a')].map(a => a.getAttribute('href') + ' ' + a.querySelector('.choice-title').textContent).join('|')")
-          == "/stage Stage|/confidence Confidence", "index links to both displays")
+          == "/stage Stage|/confidence Confidence|/overlay Overlay", "index links to every display")
     check(await text(stage, "time") == "00:00", "idle stage shows 00:00")
     check(not await visible(stage, "cue-name"), "idle stage has no cue name")
     await expect_colour(stage, "time", MUTED, "idle stage digits muted")

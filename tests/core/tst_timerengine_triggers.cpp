@@ -140,6 +140,39 @@ private slots:
         f.clock.advance(100ms);
         QCOMPARE(r.take(), (QList{at(M::Start, "Pause"), at(M::Warning, "Pause")}));
     }
+
+    // A cue's triggers and the show's are edited like the cues: allowed while the show is
+    // locked, each change an undo step.
+    void editingTriggersIsAllowedWhileLockedAndUndone()
+    {
+        EngineFixture f;
+        f.engine.loadSession(showOf({durationCue(QStringLiteral("Keynote"), 200)}));
+        f.engine.setShowLocked(true);
+        const CueTrigger lights{TriggerMoment::Zero, QStringLiteral("Lumières"),
+                                OscTriggerTarget{QStringLiteral("10.0.0.5"), 8000, QStringLiteral("/go"), {}}};
+        Cue edited = f.engine.session().cues.first();
+        edited.triggers = {lights};
+        f.engine.updateCue(edited);
+        QCOMPARE(f.engine.session().cues.first().triggers, QList<CueTrigger>{lights});
+
+        TimerSession info = f.engine.session();
+        info.triggers = {lights, lights};
+        info.triggers[1].when = TriggerMoment::Start;
+        f.engine.updateProjectInfo(info);
+        QCOMPARE(f.engine.session().triggers, info.triggers);
+        f.engine.updateProjectInfo(info); // the same project data again is no step
+
+        f.engine.undo();
+        QCOMPARE(f.engine.session().triggers, QList<CueTrigger>{});
+        QCOMPARE(f.engine.session().cues.first().triggers, QList<CueTrigger>{lights});
+        f.engine.undo();
+        QVERIFY(f.engine.session().cues.first().triggers.isEmpty());
+        QVERIFY(!f.engine.canUndo());
+        f.engine.redo();
+        f.engine.redo();
+        QCOMPARE(f.engine.session().triggers, info.triggers);
+        QCOMPARE(f.engine.session().cues.first().triggers, QList<CueTrigger>{lights});
+    }
 };
 
 QTEST_GUILESS_MAIN(TestTimerEngineTriggers)

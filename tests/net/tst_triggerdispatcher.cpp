@@ -2,6 +2,7 @@
 #include "oscservice.h"
 #include "ports.h"
 #include "triggerdispatcher.h"
+#include "triggerreceivers.h"
 
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -12,60 +13,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-// A UDP port of 127.0.0.1 that keeps every datagram it receives.
-struct OscReceiver {
-    OscReceiver()
-    {
-        socket.bind(QHostAddress::LocalHost, 0);
-        QObject::connect(&socket, &QUdpSocket::readyRead, [this] {
-            while (socket.hasPendingDatagrams()) {
-                QByteArray d(int(socket.pendingDatagramSize()), Qt::Uninitialized);
-                socket.readDatagram(d.data(), d.size());
-                datagrams.append(d);
-            }
-        });
-    }
-    QUdpSocket socket;
-    QList<QByteArray> datagrams;
-};
-
-// A bare HTTP server on 127.0.0.1: keeps each request's first line and body, and answers with
-// `status`, or not at all when `silent`.
-struct HttpReceiver {
-    HttpReceiver()
-    {
-        server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&server, &QTcpServer::newConnection, [this] {
-            while (QTcpSocket *socket = server.nextPendingConnection()) {
-                QObject::connect(socket, &QTcpSocket::readyRead, [this, socket] {
-                    buffer[socket] += socket->readAll();
-                    const QByteArray &data = buffer[socket];
-                    const qsizetype end = data.indexOf("\r\n\r\n");
-                    if (end < 0)
-                        return;
-                    const qsizetype lengthAt = data.toLower().indexOf("content-length:");
-                    const int length = lengthAt < 0 ? 0 : data.mid(lengthAt + 15, data.indexOf('\r', lengthAt) - lengthAt - 15).trimmed().toInt();
-                    if (data.size() < end + 4 + length)
-                        return;
-                    requests.append(data.left(data.indexOf("\r\n")) + ' ' + data.mid(end + 4, length));
-                    if (!silent)
-                        socket->write("HTTP/1.1 " + QByteArray::number(status)
-                                      + " X\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
-                });
-            }
-        });
-    }
-    QString url(const char *path) const
-    {
-        return QStringLiteral("http://127.0.0.1:%1%2").arg(server.serverPort()).arg(QLatin1StringView(path));
-    }
-    QTcpServer server;
-    QHash<QTcpSocket *, QByteArray> buffer;
-    QList<QByteArray> requests;
-    int status = 200;
-    bool silent = false;
-};
-
 // An engine on the hand-moved clock holding `show`, its moments sent by a dispatcher over a real
 // OSC service.
 struct DispatchingFixture {
@@ -220,6 +167,34 @@ private slots:
         QCOMPARE(failed.at(0).at(0).toString(), QStringLiteral("Déclencheur « Régie vidéo » : pas de réponse de 127.0.0.1"));
         QCOMPARE(silent.requests.size(), 1);
         QCOMPARE(dispatcher.pending(), 0);
+    }
+
+    // "Envoyer maintenant" from the editor: the outcome goes back to it, and a failure is not
+    // a toast besides.
+    void aTriggerSentByHandTellsItsOutcomeToWhoAskedIt()
+    {
+        OscReceiver osc;
+        HttpReceiver refusing;
+        refusing.status = 503;
+        OSCService service;
+        TriggerDispatcher dispatcher(service);
+        QSignalSpy failed(&dispatcher, &TriggerDispatcher::failed);
+        QStringList outcomes;
+        const auto keep = [&outcomes](const QString &failure) { outcomes.append(failure); };
+        CueTrigger go = oscTrigger(TriggerMoment::Start, osc.socket.localPort(), "/go");
+        std::get<OscTriggerTarget>(go.target).args = {{'i', QStringLiteral("{index}")}};
+        dispatcher.sendNow(go, TriggerContext{QStringLiteral("Keynote"), QString(), 3, 600}, keep);
+        QTRY_COMPARE(outcomes, QStringList{QString()});
+        QTRY_COMPARE(osc.datagrams.size(), 1);
+        QCOMPARE(osc.datagrams.first(), QByteArray("/go\0,i\0\0\0\0\0\3", 12));
+        dispatcher.sendNow(httpTrigger(TriggerMoment::End, QStringLiteral("POST"), refusing.url("/cue")), {}, keep);
+        QTRY_COMPARE(outcomes.size(), 2);
+        QCOMPARE(outcomes.last(), QStringLiteral("réponse HTTP 503 de 127.0.0.1"));
+        CueTrigger broken = go;
+        std::get<OscTriggerTarget>(broken.target).port = 0;
+        dispatcher.sendNow(broken, {}, keep);
+        QCOMPARE(outcomes.last(), QStringLiteral("le port doit aller de 1 à 65535"));
+        QVERIFY(failed.isEmpty());
     }
 };
 

@@ -369,6 +369,8 @@ private slots:
             {"/", "text/html; charset=utf-8", "no-cache"},
             {"/stage", "text/html; charset=utf-8", "no-cache"},
             {"/confidence", "text/html; charset=utf-8", "no-cache"},
+            {"/overlay", "text/html; charset=utf-8", "no-cache"},
+            {"/pages/overlay.js", "text/javascript; charset=utf-8", "no-cache"},
             {"/pages/kairon.js", "text/javascript; charset=utf-8", "no-cache"},
             {"/pages/stage.js", "text/javascript; charset=utf-8", "no-cache"},
             {"/pages/pages.css", "text/css; charset=utf-8", "no-cache"},

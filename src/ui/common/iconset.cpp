@@ -46,6 +46,7 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("minus"), 0xE15B},                            // remove
         {QStringLiteral("network"), 0xEB2F},                          // lan
         {QStringLiteral("number"), 0xE9EF},                           // tag
+        {QStringLiteral("paperplane"), 0xE163},                       // send
         {QStringLiteral("pause.fill"), 0xE034},                       // pause
         {QStringLiteral("pencil"), 0xE3C9},                           // edit
         {QStringLiteral("phone"), 0xE0CD},                            // phone

@@ -4,7 +4,8 @@ import Kairon
 
 // The cue editor: a modal sheet, 480 wide, centred over the window that opens it, editing a
 // CueDraft the owner has loaded. "Enregistrer" (also Return and Enter) announces saved() and
-// then closes: the owner takes the draft's result in the handler. "Annuler" (also Escape)
+// then closes: the owner takes the draft's result in the handler. A trigger still in its form
+// is taken with the cue, and the cue is not saved while that form has a reason. "Annuler" (also Escape)
 // closes and announces cancelled(), and nothing else happens.
 Popup {
     id: sheet
@@ -14,6 +15,8 @@ Popup {
     signal cancelled()
 
     function save() {
+        if (draft.triggers.editing && !draft.triggers.applyEdit())
+            return;
         saved();
         close();
     }
@@ -238,6 +241,11 @@ Popup {
                         onTextEdited: sheet.draft.notes = text
                     }
                 }
+
+                TriggerSection {
+                    objectName: "cueTriggers"
+                    list: sheet.draft.triggers
+                }
             }
         }
 
@@ -255,6 +263,7 @@ Popup {
                 objectName: "cueEditorSave"
                 prominent: true
                 text: "Enregistrer"
+                enabled: !sheet.draft.triggers.editing || sheet.draft.triggers.form.acceptable
                 onClicked: sheet.save()
             }
         }

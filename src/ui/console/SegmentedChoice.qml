@@ -10,6 +10,9 @@ Rectangle {
 
     required property var options // the labels, in order
     property int currentIndex: 0
+    // Each option at least this wide, its label padded by `labelPadding` in all.
+    property real minimumSegmentWidth: 120
+    property real labelPadding: 28
     signal activated(int index)
 
     implicitWidth: segments.implicitWidth + 6
@@ -33,7 +36,7 @@ Rectangle {
 
                 objectName: choice.objectName + index
                 readonly property bool chosen: index === choice.currentIndex
-                width: Math.max(120, label.implicitWidth + 28)
+                width: Math.max(choice.minimumSegmentWidth, label.implicitWidth + choice.labelPadding)
                 height: choice.height - 6
                 focusPolicy: Qt.StrongFocus
                 text: modelData

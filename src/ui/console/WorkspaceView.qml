@@ -131,6 +131,7 @@ Rectangle {
         brand: root.brand
         onEdited: session => root.consoleController.saveProjectInfo(session)
         onClosed: cueList.list.forceActiveFocus()
+        Component.onCompleted: root.consoleController.sendShowTriggersWith(form.triggers)
     }
 
     FileDialog {

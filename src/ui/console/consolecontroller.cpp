@@ -269,12 +269,35 @@ void ConsoleController::cancelDoors()
     m_engine.cancelDoors();
 }
 
+void ConsoleController::setTriggerSender(TriggerSend send)
+{
+    m_sendTrigger = send;
+    m_draft.setTriggerSender(std::move(send));
+}
+
+void ConsoleController::sendShowTriggersWith(TriggerList *list)
+{
+    if (!list)
+        return;
+    list->setSender([this](const CueTrigger &trigger, auto done) {
+        if (!m_sendTrigger)
+            return;
+        const QList<Cue> &cues = m_engine.session().cues;
+        const int row = m_engine.activeCueIndex().value_or(m_engine.selectedCueIndex().value_or(0));
+        TriggerContext context;
+        if (row >= 0 && row < cues.size())
+            context = {cues[row].name, cues[row].speaker, row + 1, qint64(cues[row].duration)};
+        m_sendTrigger(trigger, context, std::move(done));
+    });
+}
+
 bool ConsoleController::editCue(int index)
 {
     const QList<Cue> &cues = m_engine.session().cues;
     if (index < 0 || index >= cues.size())
         return false;
     m_draft.load(cues[index], m_clock);
+    m_draft.setRow(index);
     return true;
 }
 

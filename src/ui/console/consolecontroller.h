@@ -54,6 +54,12 @@ public:
     int doorsHour() const { return m_doorsHour; }
     int doorsMinute() const { return m_doorsMinute; }
 
+    // How "Envoyer maintenant" sends a trigger, for the cue editor and the project sheet.
+    void setTriggerSender(TriggerSend send);
+    // The project sheet's show-wide triggers sent by hand as they would fire for the cue on
+    // air, else the selected one, else the first (its duration as {remaining}).
+    Q_INVOKABLE void sendShowTriggersWith(TriggerList *list);
+
     // Loads the cue at `index` into the editor's working copy; false for no such cue.
     Q_INVOKABLE bool editCue(int index);
     // The editor's "Enregistrer": the edited cue goes back into the show.
@@ -136,6 +142,7 @@ private:
     bool m_autosaveAgain = false; // a change came while a save was being written
     bool m_autosaveFailing = false; // told once, until a save succeeds again
     CueDraft m_draft;
+    TriggerSend m_sendTrigger;
     LinkedSheetMonitor m_linkedSheet;
     int m_doorsHour = 0;
     int m_doorsMinute = 0;

@@ -81,6 +81,7 @@ void CueDraft::load(const Cue &cue, const QDateTime &now)
     m_hardOut = cue.hardOutTime.value_or(now);
     const QTime local = now.toTimeZone(m_zone).time();
     m_fixedStart = cue.fixedStart.value_or(timeOfDayOn(now, local.hour(), local.minute(), m_zone));
+    m_triggers.setTriggers(cue.triggers);
 
     emit nameChanged();
     emit speakerChanged();
@@ -102,9 +103,25 @@ void CueDraft::load(const Cue &cue, const Clock &clock)
     load(cue, clock.now());
 }
 
+void CueDraft::setTriggerSender(TriggerSend send)
+{
+    m_triggers.setSender([this, send = std::move(send)](const CueTrigger &trigger, auto done) {
+        const Cue cue = result();
+        qint64 remaining = 0;
+        if (trigger.when == TriggerMoment::Start)
+            remaining = qint64(cue.duration);
+        else if (trigger.when == TriggerMoment::Warning)
+            remaining = qint64(cue.warningThreshold);
+        else if (trigger.when == TriggerMoment::Danger)
+            remaining = qint64(cue.dangerThreshold);
+        send(trigger, TriggerContext{cue.name, cue.speaker, m_row + 1, remaining}, std::move(done));
+    });
+}
+
 Cue CueDraft::result() const
 {
     Cue cue = m_cue;
+    cue.triggers = m_triggers.triggers();
     cue.duration = double(m_minutes) * 60.0 + double(m_seconds);
     if (cue.mode == TimerMode::HardOut)
         cue.hardOutTime = m_hardOut;

@@ -2,6 +2,7 @@
 
 #include "cue.h"
 #include "cuepalette.h"
+#include "triggerlist.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -49,6 +50,8 @@ class CueDraft : public QObject
     // The colour tag as stored; empty means automatic (the colour follows the thresholds).
     Q_PROPERTY(QString colorHex READ colorHex WRITE setColorHex NOTIFY colorHexChanged FINAL)
     Q_PROPERTY(QString notes READ notes WRITE setNotes NOTIFY notesChanged FINAL)
+    // "Déclencheurs": the cue's messages to other gear, edited in place.
+    Q_PROPERTY(TriggerList *triggers READ triggers CONSTANT FINAL)
 
     // The palette as a list of { name, hex }, in the order the swatches are shown.
     Q_PROPERTY(QVariantList palette READ paletteList CONSTANT FINAL)
@@ -77,6 +80,13 @@ public:
     void load(const Cue &cue, const QDateTime &now);
     // The same, with the clock's time and its time zone.
     void load(const Cue &cue, const Clock &clock);
+    // The cue's place in the running order, from 0, for the {index} of a trigger sent by hand.
+    void setRow(int row) { m_row = row; }
+    // How "Envoyer maintenant" sends: the trigger with the edited cue's name, speaker and
+    // number, and as {remaining} what the cue has left at the trigger's moment (its duration at
+    // the start, its threshold at warning or danger, 0 at zero and at the end).
+    void setTriggerSender(TriggerSend send);
+    TriggerList *triggers() { return &m_triggers; }
 
     // The edited cue: duration = minutes × 60 + seconds; in hard-out mode the end time is the
     // picker's. In duration mode an end time set earlier stays in the cue, so switching a cue
@@ -160,4 +170,6 @@ private:
     QDateTime m_hardOut;
     QDateTime m_fixedStart; // the picker's time, kept while the box is unticked
     QTimeZone m_zone;
+    TriggerList m_triggers{this};
+    int m_row = 0;
 };

@@ -25,6 +25,9 @@ Popup {
     function confirm() {
         if (!sheetForm.canSave || !opened)
             return;
+        // A show-wide trigger still in its form goes with the sheet, unless a field has a reason.
+        if (sheetForm.triggers.editing && !sheetForm.triggers.applyEdit())
+            return;
         const session = sheetForm.result();
         const editing = sheetForm.editing;
         close();
@@ -43,11 +46,14 @@ Popup {
     parent: Overlay.overlay
     anchors.centerIn: parent
     width: 560
+    // A short window scrolls the fields; the buttons stay in view.
+    height: Math.min(implicitHeight, parent ? parent.height - 32 : implicitHeight)
     padding: 24
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
     onOpened: nameField.field.forceActiveFocus()
+    onAboutToShow: scroller.contentY = 0
 
     Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.55) }
     background: PanelBackground {
@@ -55,103 +61,132 @@ Popup {
         border.color: AppTheme.separator
     }
 
-    contentItem: Column {
-        spacing: 18
+    contentItem: Item {
+        implicitHeight: fields.implicitHeight + 18 + buttons.height
         Keys.onReturnPressed: sheet.confirm()
         Keys.onEnterPressed: sheet.confirm()
 
-        Row {
-            spacing: 12
-            OrvLogoMark {
-                anchors.verticalCenter: parent.verticalCenter
-                assets: sheet.brand
-                size: 30
-            }
-            Text {
-                objectName: "sheetTitle"
-                anchors.verticalCenter: parent.verticalCenter
-                text: sheetForm.title
-                color: AppTheme.textPrimary
-                font.family: AppTheme.textFont
-                font.weight: Font.Bold
-                font.pixelSize: 20
-            }
-        }
-
-        ProjectSheetField {
-            id: nameField
-            width: parent.width
-            label: "Nom du projet *"
-            fieldName: "sheetName"
-            placeholder: "Ex. : Gala Entreprise X 2026"
-            value: sheetForm.name
-            onEdited: text => sheetForm.name = text
-            onSubmitted: sheet.confirm()
-        }
-        ProjectSheetField {
-            width: parent.width
-            label: "Client"
-            fieldName: "sheetClient"
-            placeholder: "Ex. : Entreprise X"
-            value: sheetForm.client
-            onEdited: text => sheetForm.client = text
-            onSubmitted: sheet.confirm()
-        }
-        ProjectSheetField {
-            width: parent.width
-            label: "Salle / Lieu"
-            fieldName: "sheetVenue"
-            placeholder: "Ex. : Palais des Congrès de Lyon"
-            value: sheetForm.venue
-            onEdited: text => sheetForm.venue = text
-            onSubmitted: sheet.confirm()
-        }
-        ProjectSheetField {
-            width: parent.width
-            label: "Opérateur"
-            fieldName: "sheetOperator"
-            placeholder: "Ex. : Max"
-            value: sheetForm.operatorName
-            onEdited: text => sheetForm.operatorName = text
-            onSubmitted: sheet.confirm()
-        }
-        ProjectSheetField {
-            width: parent.width
-            label: "Notes"
-            fieldName: "sheetNotes"
-            value: sheetForm.notes
-            onEdited: text => sheetForm.notes = text
-            onSubmitted: sheet.confirm()
-        }
-
-        EventDateField {
-            width: parent.width
-            form: sheetForm
-        }
-
-        // From it the console tells whether the show runs late or early.
-        TimeOfDayOption {
-            width: parent.width
-            text: "Début du show"
-            boxName: "sheetHasShowStart"
-            pickerName: "sheetShowStart"
-            checked: sheetForm.hasShowStart
-            hour: sheetForm.showStartHour
-            minute: sheetForm.showStartMinute
-            onToggled: checked => sheetForm.hasShowStart = checked
-            onEdited: (hour, minute) => sheetForm.setShowStart(hour, minute)
-        }
-
-        SheetCheckBox {
-            objectName: "sheetStarterCue"
-            visible: !sheetForm.editing
-            text: "Créer avec un premier cue (Keynote 20 min)"
-            checked: sheetForm.withStarterCue
-            onToggled: sheetForm.withStarterCue = checked
-        }
-
-        Row {
+        Flickable {
+            id: scroller
+            anchors.top: parent.top
+            anchors.left: parent.left
             anchors.right: parent.right
+            anchors.bottom: buttons.top
+            anchors.bottomMargin: 18
+            contentHeight: fields.implicitHeight
+            clip: interactive
+            interactive: contentHeight > height
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar { policy: scroller.interactive ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
+
+            Column {
+                id: fields
+                width: scroller.width
+                spacing: 18
+
+                Row {
+                    spacing: 12
+                    OrvLogoMark {
+                        anchors.verticalCenter: parent.verticalCenter
+                        assets: sheet.brand
+                        size: 30
+                    }
+                    Text {
+                        objectName: "sheetTitle"
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: sheetForm.title
+                        color: AppTheme.textPrimary
+                        font.family: AppTheme.textFont
+                        font.weight: Font.Bold
+                        font.pixelSize: 20
+                    }
+                }
+
+                ProjectSheetField {
+                    id: nameField
+                    width: parent.width
+                    label: "Nom du projet *"
+                    fieldName: "sheetName"
+                    placeholder: "Ex. : Gala Entreprise X 2026"
+                    value: sheetForm.name
+                    onEdited: text => sheetForm.name = text
+                    onSubmitted: sheet.confirm()
+                }
+                ProjectSheetField {
+                    width: parent.width
+                    label: "Client"
+                    fieldName: "sheetClient"
+                    placeholder: "Ex. : Entreprise X"
+                    value: sheetForm.client
+                    onEdited: text => sheetForm.client = text
+                    onSubmitted: sheet.confirm()
+                }
+                ProjectSheetField {
+                    width: parent.width
+                    label: "Salle / Lieu"
+                    fieldName: "sheetVenue"
+                    placeholder: "Ex. : Palais des Congrès de Lyon"
+                    value: sheetForm.venue
+                    onEdited: text => sheetForm.venue = text
+                    onSubmitted: sheet.confirm()
+                }
+                ProjectSheetField {
+                    width: parent.width
+                    label: "Opérateur"
+                    fieldName: "sheetOperator"
+                    placeholder: "Ex. : Max"
+                    value: sheetForm.operatorName
+                    onEdited: text => sheetForm.operatorName = text
+                    onSubmitted: sheet.confirm()
+                }
+                ProjectSheetField {
+                    width: parent.width
+                    label: "Notes"
+                    fieldName: "sheetNotes"
+                    value: sheetForm.notes
+                    onEdited: text => sheetForm.notes = text
+                    onSubmitted: sheet.confirm()
+                }
+
+                EventDateField {
+                    width: parent.width
+                    form: sheetForm
+                }
+
+                // From it the console tells whether the show runs late or early.
+                TimeOfDayOption {
+                    width: parent.width
+                    text: "Début du show"
+                    boxName: "sheetHasShowStart"
+                    pickerName: "sheetShowStart"
+                    checked: sheetForm.hasShowStart
+                    hour: sheetForm.showStartHour
+                    minute: sheetForm.showStartMinute
+                    onToggled: checked => sheetForm.hasShowStart = checked
+                    onEdited: (hour, minute) => sheetForm.setShowStart(hour, minute)
+                }
+
+                SheetCheckBox {
+                    objectName: "sheetStarterCue"
+                    visible: !sheetForm.editing
+                    text: "Créer avec un premier cue (Keynote 20 min)"
+                    checked: sheetForm.withStarterCue
+                    onToggled: sheetForm.withStarterCue = checked
+                }
+
+                // Sent for every cue, besides each cue's own: edited once the show exists.
+                TriggerSection {
+                    objectName: "showTriggers"
+                    visible: sheetForm.editing
+                    list: sheetForm.triggers
+                }
+            }
+        }
+
+        Row {
+            id: buttons
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
             spacing: 10
             AccentButtonStyle {
                 objectName: "sheetCancel"
@@ -162,7 +197,7 @@ Popup {
                 objectName: "sheetConfirm"
                 prominent: true
                 text: sheetForm.confirmText
-                enabled: sheetForm.canSave
+                enabled: sheetForm.canSave && (!sheetForm.triggers.editing || sheetForm.triggers.form.acceptable)
                 onClicked: sheet.confirm()
             }
         }

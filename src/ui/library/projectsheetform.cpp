@@ -143,6 +143,7 @@ void ProjectSheetForm::fill(const std::optional<TimerSession> &existing)
     m_hasShowStart = existing && existing->scheduledStart;
     m_showStart = m_hasShowStart ? existing->scheduledStart->toTimeZone(Fmt::timeZone()).time() : QTime(20, 0);
     m_showStart = QTime(m_showStart.hour(), m_showStart.minute());
+    m_triggers.setTriggers(existing ? existing->triggers : QList<CueTrigger>());
     emit started();
     emit nameChanged();
     emit textsChanged();
@@ -181,6 +182,7 @@ TimerSession ProjectSheetForm::session() const
     show.scheduledStart = m_hasShowStart ? std::optional(QDateTime(day, m_showStart, Fmt::timeZone()))
                                          : std::nullopt;
     show.updatedAt = at;
+    show.triggers = m_triggers.triggers();
     if (!m_existing && m_withStarterCue)
         show.cues << starterCue();
     return show;

@@ -2,6 +2,7 @@
 
 #include "displayclock.h"
 #include "timersession.h"
+#include "triggerlist.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -55,6 +56,8 @@ class ProjectSheetForm : public QObject
     Q_PROPERTY(bool hasShowStart READ hasShowStart WRITE setHasShowStart NOTIFY showStartChanged FINAL)
     Q_PROPERTY(int showStartHour READ showStartHour NOTIFY showStartChanged FINAL)
     Q_PROPERTY(int showStartMinute READ showStartMinute NOTIFY showStartChanged FINAL)
+    // "Déclencheurs" of an existing show: sent for every cue, besides each cue's own.
+    Q_PROPERTY(TriggerList *triggers READ triggers CONSTANT FINAL)
     // The calendar's language: French, Monday first.
     Q_PROPERTY(QLocale locale READ locale CONSTANT FINAL)
 
@@ -98,6 +101,7 @@ public:
     int eventMonthIndex() const { return eventDayDate().month() - 1; }
     int eventDay() const { return eventDayDate().day(); }
     QLocale locale() const;
+    TriggerList *triggers() { return &m_triggers; }
 
     // Fills the fields for a new show.
     Q_INVOKABLE void startCreating();
@@ -138,4 +142,5 @@ private:
     bool m_withStarterCue = true;
     bool m_hasShowStart = false;
     QTime m_showStart{20, 0};
+    TriggerList m_triggers{this};
 };

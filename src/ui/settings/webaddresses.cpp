@@ -10,8 +10,10 @@ QList<Page> pages()
     return {{QStringLiteral("/stage"), QStringLiteral("Stage"), QStringLiteral("Écran de l'intervenant")},
             {QStringLiteral("/confidence"), QStringLiteral("Confidence"),
              QStringLiteral("Écran de retour : cue en cours, suivant, intervenant")},
+            {QStringLiteral("/overlay"), QStringLiteral("Overlay"),
+             QStringLiteral("Le temps restant sur l'image, pour un mélangeur vidéo")},
             {QStringLiteral("/"), QStringLiteral("Accueil"),
-             QStringLiteral("Le nom du show et les liens vers les deux écrans")}};
+             QStringLiteral("Le nom du show et les liens vers les écrans")}};
 }
 
 QList<InterfaceAddress> machineAddresses()

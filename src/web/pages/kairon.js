@@ -99,6 +99,21 @@ export function nextWholeSecond(now) {
     return Math.floor(now / 1000) * 1000 + 1000;
 }
 
+// How much of a progress bar `width` pixels wide the cue clock fills at `now`, and the instant
+// of its next whole pixel (at most ten a second; null while the clock stands or the bar is
+// full). The bar follows the cue clock itself, which runs on while the digits are frozen.
+export function progressAt(state, now, width) {
+    const runs = state.liveNextSecondAtMs !== null;
+    const elapsed = state.elapsed + (runs ? (now - state.serverTimeMs) / 1000 : 0);
+    const planned = state.plannedDuration;
+    const fraction = planned > 0 ? Math.min(Math.max(elapsed / planned, 0), 1) : 0;
+    const filled = Math.round(width * fraction);
+    let due = null;
+    if (runs && planned > 0 && fraction < 1 && width > 0)
+        due = Math.max(now + (((filled + 0.5) * planned) / width - elapsed) * 1000, now + 100);
+    return { filled, due };
+}
+
 // The earliest of the instants that are not null, or null.
 export function earliest(...instants) {
     const known = instants.filter((t) => t !== null && t !== undefined);
@@ -489,11 +504,16 @@ function addLinkPanel() {
 // clock and returns the next instant at which something on the page changes, or null. It is
 // called when a document arrives, at that instant, and when the page or its fonts change.
 // Returns the function that redraws at once (for the pages' own phase flags).
-export function startPage(render) {
+// Without `linkPanel`, a lost link covers nothing: `onLink(live)` alone is told, as it always is.
+export function startPage(render, { linkPanel = true, onLink = () => {} } = {}) {
     const clock = new ServerClock();
     let state = null;
     let timer = null;
-    const [linkTitle, linkHelp] = addLinkPanel();
+    const [linkTitle, linkHelp] = linkPanel ? addLinkPanel() : [null, null];
+    const offline = (lost) => {
+        if (linkPanel)
+            document.body.classList.toggle("offline", lost);
+    };
 
     function draw() {
         clearTimeout(timer);
@@ -512,18 +532,23 @@ export function startPage(render) {
             draw();
         },
         onLink(live) {
-            document.body.classList.toggle("offline", !live);
-            if (!live)
+            offline(!live);
+            if (!live && linkPanel)
                 setText(linkTitle, "Connexion perdue");
+            onLink(live);
         },
         onClockMoved: draw,
         onOutdated() {
-            document.body.classList.add("offline");
-            setText(linkTitle, "Page d'une autre version de Kairon");
-            setText(linkHelp, "Rechargez la page");
+            offline(true);
+            if (linkPanel) {
+                setText(linkTitle, "Page d'une autre version de Kairon");
+                setText(linkHelp, "Rechargez la page");
+            }
+            onLink(false);
         },
     });
-    document.body.classList.add("offline");
+    offline(true);
+    onLink(false);
     connection.open();
 
     addEventListener("resize", draw);

@@ -1,7 +1,7 @@
 // The stage display in a browser: the same layers and rules as the desktop's stage window.
 import {
     Countdown, Phase, activeCue, earliest, fitColumn, fitLines, fittedSize, formatCountdown, fullDate,
-    nextChangeCountingTo, nextWholeSecond, pageHeight, pageWidth, setStyle, setText, show, startPage,
+    nextChangeCountingTo, nextWholeSecond, pageHeight, pageWidth, progressAt, setStyle, setText, show, startPage,
     stateColor, timeOfDay,
 } from "./kairon.js";
 
@@ -55,13 +55,8 @@ function drawTimer(state, now, width, bottom) {
     setStyle(view.time, "color", colour);
     setStyle(view.time, "opacity", value < 0 && !flash.on ? "0.35" : "1");
 
-    // The bar follows the cue clock itself, which runs on while the digits are frozen.
     const barWidth = Math.round(width * 0.6);
-    const elapsedRuns = state.liveNextSecondAtMs !== null;
-    const elapsed = state.elapsed + (elapsedRuns ? (now - state.serverTimeMs) / 1000 : 0);
-    const planned = state.plannedDuration;
-    const fraction = planned > 0 ? Math.min(Math.max(elapsed / planned, 0), 1) : 0;
-    const filled = Math.round(barWidth * fraction);
+    const { filled, due: barDue } = progressAt(state, now, barWidth);
     setStyle(view.progress, "width", `${barWidth}px`);
     setStyle(view.progressFill, "width", `${filled}px`);
     setStyle(view.progressFill, "background", colour);
@@ -70,13 +65,7 @@ function drawTimer(state, now, width, bottom) {
     const nameSize = Math.max(14, Math.min(width * 0.035, 44));
     placeAbove(view.timer, [[view.cueName, nameSize], [view.time, timeSize]], bottom);
 
-    let due = shown.nextChange(now, cue);
-    if (elapsedRuns && planned > 0 && fraction < 1) {
-        // The next whole pixel of the bar, at most ten times a second.
-        const pixelAt = now + (((filled + 0.5) * planned) / barWidth - elapsed) * 1000;
-        due = earliest(due, Math.max(pixelAt, now + 100));
-    }
-    return due;
+    return earliest(shown.nextChange(now, cue), barDue);
 }
 
 function drawDoors(state, now, width, bottom) {

@@ -430,7 +430,7 @@ private slots:
             QTest::keyClick(f.window.get(), Qt::Key_Tab);
             QCOMPARE(f.focusName(), QStringLiteral("colourSwatch%1").arg(i));
         }
-        for (const QString &next : QStringList{"cueNotesField", "cueEditorCancel", "cueEditorSave"}) {
+        for (const QString &next : QStringList{"cueNotesField", "triggerAdd", "cueEditorCancel", "cueEditorSave"}) {
             QTest::keyClick(f.window.get(), Qt::Key_Tab);
             QCOMPARE(f.focusName(), next);
             if (next == "cueNotesField") {

@@ -316,6 +316,47 @@ private slots:
         QCOMPARE(form(f)->monthTitle(2026, 7), QStringLiteral("Août 2026"));
     }
 
+    // "Déclencheurs" of the show, in its sheet: listed, one added with its reason shown until
+    // its host is typed, handed back with the show. From the library no show is open, so there
+    // is nothing to try them with.
+    void theShowsTriggersAreEditedInItsSheet()
+    {
+        LibraryFixture f;
+        f.resize(1920, 1080);
+        TimerSession gala = withDate(QStringLiteral("Gala"));
+        const CueTrigger lights{TriggerMoment::Start, QStringLiteral("Lumières"),
+                                OscTriggerTarget{QStringLiteral("10.0.0.5"), 8000, QStringLiteral("/go"), {}}};
+        gala.triggers = {lights};
+        openForEditing(f, gala);
+        QCOMPARE(f.text("triggerName0"), QStringLiteral("Lumières"));
+        QCOMPARE(f.text("triggerSummary0"), QStringLiteral("OSC 10.0.0.5:8000 /go"));
+        QVERIFY(!f.item("triggerSend0"));
+        f.click(f.item("triggerAdd"));
+        QTRY_VERIFY(f.item("triggerForm"));
+        QTRY_VERIFY(f.item("triggerNameFieldInput")->hasActiveFocus());
+        QVERIFY(!f.item("triggerFormSend"));
+        QCOMPARE(f.text("triggerHostFieldReason"), QStringLiteral("l'hôte est vide"));
+        QVERIFY(!f.item("sheetConfirm")->isEnabled());
+        keepScreenshot(f.grab(), QStringLiteral("sheet-triggers-form-1920x1080"));
+        f.click(f.item("triggerHostFieldInput"));
+        f.type(QStringLiteral("10.0.0.6"));
+        QVERIFY(f.item("sheetConfirm")->isEnabled());
+        // Escape leaves the form, not the sheet.
+        f.key(Qt::Key_Escape);
+        QTRY_VERIFY(!f.item("triggerForm"));
+        QVERIFY(f.sheetOpen());
+        f.click(f.item("triggerAdd"));
+        QTRY_VERIFY(f.item("triggerHostFieldInput"));
+        f.click(f.item("triggerHostFieldInput"));
+        f.type(QStringLiteral("10.0.0.6"));
+        // Confirmed with the form open: the trigger goes with the show.
+        const TimerSession show = confirm(f, SIGNAL(edited(QVariant)));
+        QCOMPARE(show.triggers.size(), 2);
+        QCOMPARE(show.triggers.first(), lights);
+        QCOMPARE(show.triggers.last().name, QStringLiteral("Déclencheur 2"));
+        QCOMPARE(std::get<OscTriggerTarget>(show.triggers.last().target).host, QStringLiteral("10.0.0.6"));
+    }
+
     void annulerAndEscapeCloseWithoutHandingAnythingBack()
     {
         LibraryFixture f;

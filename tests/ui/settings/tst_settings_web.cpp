@@ -231,15 +231,15 @@ private slots:
                               toQColor(AppTheme::success));
         keepScreenshot(image, shotName(f, "settings-web-on"));
 
-        // Every interface: each address of the machine but the loopback, three pages each.
+        // Every interface: each address of the machine but the loopback, four pages each.
         QVERIFY(f.shown("webAddresses"));
         const QList<WebAddresses::InterfaceAddress> hosts =
             WebAddresses::reachableAt(WebAddresses::machineAddresses(), QHostAddress::Any);
         QVERIFY(!hosts.isEmpty());
         for (qsizetype h = 0; h < hosts.size(); ++h) {
             const QString base = QStringLiteral("http://%1:%2").arg(hosts[h].address.toString()).arg(port);
-            const QStringList urls{base + "/stage", base + "/confidence", base + "/"};
-            for (int p = 0; p < 3; ++p) {
+            const QStringList urls{base + "/stage", base + "/confidence", base + "/overlay", base + "/"};
+            for (int p = 0; p < 4; ++p) {
                 const QByteArray name = QStringLiteral("webPage%1_%2").arg(h).arg(p).toLatin1();
                 QCOMPARE(f.text((name + "Url").constData()), urls[p]);
                 QCOMPARE(f.at((name + "Qr").constData())->property("text").toString(), urls[p]);
@@ -247,7 +247,7 @@ private slots:
         }
         scrollTo(f, f.at("webPage0_0"));
         keepScreenshot(f.shot(), shotName(f, "settings-web-on-addresses"));
-        scrollTo(f, f.at(qPrintable(QStringLiteral("webPage%1_2").arg(hosts.size() - 1))));
+        scrollTo(f, f.at(qPrintable(QStringLiteral("webPage%1_3").arg(hosts.size() - 1))));
         keepScreenshot(f.shot(), shotName(f, "settings-web-on-addresses-end"));
 
         // Off and applied: the server stops and the addresses go.
@@ -380,13 +380,13 @@ private slots:
         serve(f, port, QStringLiteral("127.0.0.1"));
         QTRY_COMPARE(f.web.serverPort(), port);
         const QString base = QStringLiteral("http://127.0.0.1:%1").arg(port);
-        const QStringList urls{base + "/stage", base + "/confidence", base + "/"};
-        const QStringList titles{"Stage", "Confidence", "Accueil"};
+        const QStringList urls{base + "/stage", base + "/confidence", base + "/overlay", base + "/"};
+        const QStringList titles{"Stage", "Confidence", "Overlay", "Accueil"};
         QVERIFY(!f.at("webPage1_0")); // bound to one address: that one only
         const qreal ratio = f.settingsWindow->effectiveDevicePixelRatio();
         QQuickItem *page = f.at("webTab");
         const QRectF shown = page->mapRectToScene(QRectF(0, 0, page->width(), page->height()));
-        for (int p = 0; p < 3; ++p) {
+        for (int p = 0; p < 4; ++p) {
             const QByteArray name = "webPage0_" + QByteArray::number(p);
             QCOMPARE(f.at(name.constData())->property("title").toString(), titles[p]);
             auto *code = qobject_cast<QrCodeItem *>(f.at((name + "Qr").constData()));
