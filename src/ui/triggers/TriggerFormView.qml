@@ -38,7 +38,7 @@ Rectangle {
             objectName: "triggerMomentChoice"
             options: ["Début", "Warning", "Danger", "Zéro", "Fin"]
             // The five side by side across the form.
-            minimumSegmentWidth: Math.floor((content.width - 6 - 4 * 2) / 5)
+            minimumSegmentWidth: Math.floor((view.width - 24 - 6 - 4 * 2) / 5)
             labelPadding: 16
             currentIndex: view.form.moment
             onActivated: index => view.form.moment = index

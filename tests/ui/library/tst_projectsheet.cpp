@@ -335,6 +335,10 @@ private slots:
         QTRY_VERIFY(f.item("triggerForm"));
         QTRY_VERIFY(f.item("triggerNameFieldInput")->hasActiveFocus());
         QVERIFY(!f.item("triggerFormSend"));
+        // The five moments side by side within the form.
+        const auto sceneBox = [](QQuickItem *it) { return it->mapRectToScene(QRectF(0, 0, it->width(), it->height())); };
+        QVERIFY(sceneBox(f.item("triggerForm")).contains(sceneBox(f.item("triggerMomentChoice"))));
+        QVERIFY(sceneBox(f.item("triggerMomentChoice4")).right() <= sceneBox(f.item("triggerMomentChoice")).right());
         QCOMPARE(f.text("triggerHostFieldReason"), QStringLiteral("l'hôte est vide"));
         QVERIFY(!f.item("sheetConfirm")->isEnabled());
         keepScreenshot(f.grab(), QStringLiteral("sheet-triggers-form-1920x1080"));

@@ -81,6 +81,11 @@ private slots:
         QTRY_COMPARE(f.focusName(), QStringLiteral("triggerNameFieldInput"));
         QVERIFY(!f.shown("triggerAdd"));
         QCOMPARE(f.text("triggerNameFieldInput"), QStringLiteral("Déclencheur 1"));
+        // Every part of the form within it: the five moments side by side, the fields.
+        const QRect form = sceneRect(f.item("triggerForm"));
+        for (const char *part : {"triggerMomentChoice", "triggerMomentChoice4", "triggerKindChoice",
+                                 "triggerHostFieldInput", "triggerPortFieldInput", "triggerAddressFieldInput"})
+            QVERIFY2(form.contains(sceneRect(f.item(part))), part);
         QTest::keyClick(f.window.get(), Qt::Key_A, Qt::ControlModifier);
         f.type(QStringLiteral("Lumières"));
         // A new OSC trigger has no host yet: refused, and the cue with it.
