@@ -38,7 +38,12 @@ Popup {
     // loses nothing and Escape is reported as a cancel.
     closePolicy: Popup.NoAutoClose
 
-    onAboutToShow: scroller.contentY = 0
+    // Laid out before its first frame, so that the sheet opens at its full height and never
+    // moves under the pointer.
+    onAboutToShow: {
+        scroller.contentY = 0;
+        fields.forceLayout();
+    }
     // The name is selected, ready to be typed over (a new cue's is the placeholder name).
     onOpened: {
         nameField.forceActiveFocus();

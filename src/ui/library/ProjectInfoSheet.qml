@@ -53,7 +53,12 @@ Popup {
     focus: true
     closePolicy: Popup.CloseOnEscape
     onOpened: nameField.field.forceActiveFocus()
-    onAboutToShow: scroller.contentY = 0
+    // Laid out before its first frame, so that the sheet opens at its full height and never
+    // moves under the pointer.
+    onAboutToShow: {
+        scroller.contentY = 0;
+        fields.forceLayout();
+    }
 
     Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.55) }
     background: PanelBackground {
