@@ -142,6 +142,16 @@ class Page:
             raise ProtocolError(f"{expression}: {result['exceptionDetails']}")
         return result["result"].get("value")
 
+    async def box(self, element_id):
+        """[left, top, right, bottom] of the element, in CSS pixels."""
+        return await self.evaluate(f"""(() => {{
+            const r = document.getElementById('{element_id}').getBoundingClientRect();
+            return [r.left, r.top, r.right, r.bottom]; }})()""")
+
+    async def settle(self):
+        """Returns once two frames have been drawn: whatever the last change laid out is shown."""
+        await self.evaluate("new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))")
+
     async def wait_for(self, expression, timeout=5, what=None):
         """The first truthy value of `expression`, polled every 20 ms until the deadline."""
         deadline = time.monotonic() + timeout

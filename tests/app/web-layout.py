@@ -8,13 +8,14 @@ import asyncio
 import json
 import os
 import sys
-import urllib.request
 
 from cdp import Chromium
 from checks import check, finish
+from webapi import Api
 
 port, code, workdir, show_start_ms = int(sys.argv[1]), sys.argv[2], sys.argv[3], int(sys.argv[4])
-base = f"http://127.0.0.1:{port}"
+api = Api(port, code)
+base = api.base
 shots = os.environ.get("KAIRON_SCREENSHOT_DIR")
 
 GREEN, ACCENT, DANGER = (46, 204, 113), (255, 107, 0), (231, 76, 60)
@@ -29,29 +30,6 @@ LONG_MESSAGE = (
     "minuit pour tous les invités de la fondation et leurs familles venues de loin.")
 SIXTY_FIVE = "Merci de conclure, il reste deux minutes avant la pause déjeuner"
 HUNDRED_FIFTY = SIXTY_FIVE + " ; les lauréats sont attendus en coulisses pour la photographie officielle à 13 h 30 !"
-
-def post(command, body=None):
-    data = json.dumps(body).encode() if body is not None else None
-    request = urllib.request.Request(f"{base}/api/{command}", data=data, method="POST",
-                                     headers={"Authorization": f"Bearer {code}",
-                                              "Content-Type": "application/json"})
-    with urllib.request.urlopen(request) as answer:
-        return json.load(answer)
-
-
-def state():
-    with urllib.request.urlopen(f"{base}/api/state") as answer:
-        return json.load(answer)
-
-
-async def rect(page, element_id):
-    return await page.evaluate(f"""(() => {{
-        const r = document.getElementById('{element_id}').getBoundingClientRect();
-        return [r.left, r.top, r.right, r.bottom]; }})()""")
-
-
-async def settle(page):
-    await page.evaluate("new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))")
 
 
 async def ink(page, box, rgb, tolerance=8):
@@ -119,26 +97,26 @@ async def message_of_lines(page, lines, size):
 
 
 async def put_message(page, element_id, text):
-    post("message", {"text": text, "urgent": False})
+    api.post("message", {"text": text, "urgent": False})
     await page.wait_for(f"document.getElementById('{element_id}').textContent === {json.dumps(text)}", 5,
                         f"{element_id} shows the message")
-    await settle(page)
+    await page.settle()
 
 
 async def stage_case(page, width, height, lines):
     what = f"stage {width}x{height}, {lines} line(s)"
     await page.set_viewport(width, height)
-    await settle(page)
+    await page.settle()
     size = round(min(width * 0.05, 64))
     text = await message_of_lines(page, lines, size)
     if not check(text is not None, f"{what}: a message of {lines} lines"):
         return
     await put_message(page, "banner", text)
     await shoot(page, f"web-stage-banner-{lines}-lines-{width}x{height}")
-    banner = await rect(page, "banner")
-    bar = await rect(page, "progress")
-    time = await rect(page, "time")
-    name = await rect(page, "cue-name")
+    banner = await page.box("banner")
+    bar = await page.box("progress")
+    time = await page.box("time")
+    name = await page.box("cue-name")
     check(abs(banner[3] - (height - 60)) <= 1, f"{what}: banner ends at {banner[3]}, not {height - 60}")
     check(banner[1] >= height * 0.5 - 1, f"{what}: banner rises to {banner[1]}, above the lower half")
     check(bar[3] <= banner[1], f"{what}: bar to {bar[3]}, banner from {banner[1]}")
@@ -163,10 +141,10 @@ async def confidence_case(page, width, height, text):
         return {scrollWidth: m.scrollWidth, clientWidth: m.clientWidth, scrollHeight: m.scrollHeight,
                 clientHeight: m.clientHeight, size: parseFloat(style.fontSize), overflow: style.textOverflow,
                 whiteSpace: style.whiteSpace}; })()""")
-    message = await rect(page, "message")
-    time = await rect(page, "time")
-    centre = await rect(page, "centre")
-    clock = await rect(page, "wall-clock")
+    message = await page.box("message")
+    time = await page.box("time")
+    centre = await page.box("centre")
+    clock = await page.box("wall-clock")
     full = round(max(14, width * 0.03))
     lines = round(shown["clientHeight"] / (LINE_HEIGHT * shown["size"]))
     natural = await page.evaluate(f"{MESSAGE_LINES}({full})")
@@ -179,7 +157,7 @@ async def confidence_case(page, width, height, text):
         check(shown["size"] < full and lines * LINE_HEIGHT * shown["size"] <= 3 * LINE_HEIGHT * full + 1,
               f"{what}: {lines} lines of {shown['size']} px for {natural} at {full} px")
     check(0 <= message[0] and message[2] <= width and message[3] <= height, f"{what}: message at {message}")
-    schedule = await rect(page, "schedule")
+    schedule = await page.box("schedule")
     check(clock[3] <= schedule[1] + 1 and schedule[3] <= time[1] + 1 and time[3] <= message[1]
           and centre[1] <= time[1] and time[3] <= centre[3] + 0.5,
           f"{what}: clock {clock}, schedule {schedule}, time {time}, centre {centre}, message {message}")
@@ -193,7 +171,7 @@ async def confidence_case(page, width, height, text):
 
 def check_schedule_document():
     """GET /api/state: the show 5 min 40 s to 6 min 30 s late, its first cue running."""
-    s = state()
+    s = api.state()
     schedule = s["schedule"]
     offset = schedule["offsetSeconds"]
     check(330 <= offset < 390 and offset == int(offset), f"offset {offset} s")
@@ -219,7 +197,7 @@ async def schedule_case(page, width, height):
     Inter SemiBold at 3 % of the page's width."""
     what = f"confidence schedule {width}x{height}"
     await page.set_viewport(width, height)
-    await settle(page)
+    await page.settle()
     await shoot(page, f"web-confidence-schedule-{width}x{height}")
     shown = await page.evaluate("""(() => {
         const s = document.getElementById('schedule');
@@ -232,9 +210,9 @@ async def schedule_case(page, width, height):
           and shown["family"].split(",")[0].strip('"') == "Inter", f"{what}: font {shown}")
     check(shown["colour"] == "rgb(231, 76, 60)", f"{what}: colour {shown['colour']}")
     check(shown["scrollWidth"] <= shown["clientWidth"], f"{what}: the line is cut: {shown}")
-    schedule = await rect(page, "schedule")
-    clock = await rect(page, "wall-clock")
-    time = await rect(page, "time")
+    schedule = await page.box("schedule")
+    clock = await page.box("wall-clock")
+    time = await page.box("time")
     check(abs(schedule[0] - clock[0]) <= 1 and abs(schedule[1] - clock[3]) <= 1 and schedule[3] <= time[1] + 1,
           f"{what}: clock {clock}, schedule {schedule}, time {time}")
     words = await ink(page, schedule, DANGER, tolerance=10)
@@ -256,8 +234,8 @@ async def run():
             await page.navigate(base + path)
             await page.wait_for("!document.body.classList.contains('offline') && document.fonts.status === 'loaded'",
                                 10, f"{path} live with its fonts")
-        post("play")
-        post("adjust", {"seconds": -150})
+        api.post("play")
+        api.post("adjust", {"seconds": -150})
         await stage.wait_for("document.getElementById('time').textContent.startsWith('07:')", 5, "stage at 07:xx")
         for width, height in [(844, 390), (700, 400), (1280, 720), (1920, 1080), (3840, 2160)]:
             for lines in (1, 2, 3):

@@ -9,35 +9,18 @@ import json
 import os
 import signal
 import sys
-import urllib.request
 
 from cdp import Chromium
 from checks import check, finish
+from webapi import Api
 
 port, code, workdir, kairon_pid = int(sys.argv[1]), sys.argv[2], sys.argv[3], int(sys.argv[4])
-base = f"http://127.0.0.1:{port}"
+api = Api(port, code)
+base = api.base
 shots = os.environ.get("KAIRON_SCREENSHOT_DIR")
 
 GREEN, WARNING, DANGER, OVERTIME = (46, 204, 113), (241, 196, 15), (231, 76, 60), (255, 59, 48)
 WHITE, DOT = (255, 255, 255), (138, 138, 142)
-
-
-def post(command, body=None):
-    request = urllib.request.Request(f"{base}/api/{command}", data=json.dumps(body or {}).encode(),
-                                     method="POST", headers={"Authorization": f"Bearer {code}",
-                                                             "Content-Type": "application/json"})
-    with urllib.request.urlopen(request) as answer:
-        return json.load(answer)
-
-
-async def rect(page, element_id):
-    return await page.evaluate(f"""(() => {{
-        const r = document.getElementById('{element_id}').getBoundingClientRect();
-        return [r.left, r.top, r.right, r.bottom]; }})()""")
-
-
-async def settle(page):
-    await page.evaluate("new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))")
 
 
 def near(rgba, rgb, tolerance=8):
@@ -67,7 +50,7 @@ async def shoot(page, name):
 
 
 async def nothing_on_air(page, what, name):
-    await settle(page)
+    await page.settle()
     shot = await shoot(page, name)
     check(shot.max_alpha() == 0, f"{what}: something drawn at {drawn_box(shot)}")
     check("Connexion" not in await page.evaluate("document.body.innerText"), f"{what}: a link panel in the page")
@@ -76,14 +59,14 @@ async def nothing_on_air(page, what, name):
 async def on_air(page, colour, what, name, parts=("name", "bar")):
     """The overlay drawn in `colour`: opaque digits with a dark outline, nothing outside the box,
     transparent corners."""
-    await settle(page)
+    await page.settle()
     width, height = page.width, page.height
     shot = await shoot(page, name)
     corner = round(width * 0.02)
     for x, y in [(0, 0), (width - corner, 0), (0, height - corner), (width - corner, height - corner)]:
         check(shot.max_alpha(x, y, x + corner, y + corner) == 0, f"{what}: the corner at {x},{y} is not transparent")
-    box = await rect(page, "overlay")
-    time = await rect(page, "time")
+    box = await page.box("overlay")
+    time = await page.box("time")
     size = await page.evaluate("parseFloat(getComputedStyle(document.getElementById('time')).fontSize)")
     # The outline reaches 0.07 em beyond the digits' box.
     margin = size * 0.07 + 1
@@ -101,7 +84,7 @@ async def on_air(page, colour, what, name, parts=("name", "bar")):
                   if c != colour and not near(c, colour, 40)),
           f"{what}: another state's colour in the digits")
     if "name" in parts:
-        name_box = await rect(page, "cue-name")
+        name_box = await page.box("cue-name")
         white = sum(1 for p in shot.region(*(round(v) for v in name_box)) if p[5] == 255 and near(p[2:], WHITE))
         check(white > 50, f"{what}: the cue's name in white ({white} pixels)")
     return box, time, size
@@ -124,15 +107,15 @@ async def run():
                             "the overlay live with its fonts")
         await nothing_on_air(page, "idle", "web-overlay-idle-1920x1080")
 
-        post("play")
+        api.post("play")
         await wait_text(page, "t.startsWith('09:')", "the keynote's time on air")
         box, time, size = await on_air(page, GREEN, "running 1920x1080", "web-overlay-running-1920x1080")
         check(abs(box[2] - 1920 * 0.97) <= 1 and abs(box[3] - 1080 * 0.97) <= 1, f"bottom-right box at {box}")
         check(abs(size - 120) < 0.01, f"the digits at {size} px, not 120")
         check(await page.evaluate("document.getElementById('cue-name').textContent") == "Keynote d'ouverture",
               "the cue's name")
-        fill = await rect(page, "progress-fill")
-        bar = await rect(page, "progress")
+        fill = await page.box("progress-fill")
+        bar = await page.box("progress")
         check(bar[2] - bar[0] > 300 and 0 <= fill[2] - fill[0] <= (bar[2] - bar[0]) * 0.02 + 1,
               f"the bar {bar} barely begun: {fill}")
 
@@ -141,22 +124,22 @@ async def run():
         check(abs(size - 240) < 0.01 and abs(box[2] - 3840 * 0.97) <= 1, f"at 4K: digits {size} px, box {box}")
         await page.set_viewport(1920, 1080)
 
-        post("adjust", {"seconds": -490})
+        api.post("adjust", {"seconds": -490})
         await wait_text(page, "t.startsWith('01:')", "the warning zone")
         await on_air(page, WARNING, "warning", "web-overlay-warning-1920x1080")
-        post("adjust", {"seconds": -100})
+        api.post("adjust", {"seconds": -100})
         await wait_text(page, "t.startsWith('00:')", "the danger zone")
         await on_air(page, DANGER, "danger", "web-overlay-danger-1920x1080")
-        post("adjust", {"seconds": -40})
+        api.post("adjust", {"seconds": -40})
         await wait_text(page, "t.startsWith('-00:')", "overtime")
         await on_air(page, OVERTIME, "overtime", "web-overlay-overtime-1920x1080")
-        fill = await rect(page, "progress-fill")
+        fill = await page.box("progress-fill")
         check(abs((fill[2] - fill[0]) - (bar[2] - bar[0])) <= 1, f"the bar full in overtime: {fill} of {bar}")
 
-        post("blackout")
+        api.post("blackout")
         await page.wait_for("document.getElementById('overlay').hidden", 5, "blackout takes the overlay off")
         await nothing_on_air(page, "blackout", "web-overlay-blackout-1920x1080")
-        post("blackout")
+        api.post("blackout")
         await page.wait_for("!document.getElementById('overlay').hidden", 5, "back after the blackout")
 
         # The link lost: a grey dot in the corner and the time still counting, nothing else.
@@ -165,7 +148,7 @@ async def run():
             await page.wait_for("!document.getElementById('dot').hidden", 6, "the dot of a lost link")
             shown = await page.evaluate("document.getElementById('time').textContent")
             await wait_text(page, f"t !== {json.dumps(shown)}", "the time counting on without the program")
-            await settle(page)
+            await page.settle()
             shot = await shoot(page, "web-overlay-link-lost-1920x1080")
             check(near(shot.at(1920 - 13, 1080 - 13), DOT, 2) and shot.at(1920 - 13, 1080 - 13)[3] == 255,
                   f"the dot's pixel {shot.at(1920 - 13, 1080 - 13)}")
