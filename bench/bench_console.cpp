@@ -89,12 +89,14 @@ int main(int argc, char **argv)
     NetworkCoordinator network; // remote control off, as on a fresh installation
     WebServer web(engine, clock);
     SettingsController settings(engine, network, web, store);
+    FollowSession followSession(engine, clock);
+    FollowController follow(followSession, flow, clock, sound);
 
     QQmlApplicationEngine qml;
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
         AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                       &settings, &outputs}
+                       &settings, &outputs, &follow}
             .initialProperties());
     qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
     if (qml.rootObjects().isEmpty())

@@ -7,6 +7,8 @@
 #include "consolecontroller.h"
 #include "displayclock.h"
 #include "filereveal.h"
+#include "followcontroller.h"
+#include "followsession.h"
 #include "formatters.h"
 #include "launchproject.h"
 #include "networkcoordinator.h"
@@ -148,6 +150,16 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
         LaunchProject::toastOnArrival(flow, toasts, AppFlowState::Workspace, ignored, ToastMessage::Info);
     }
     SettingsController settings(engine, network, web, store);
+    // As a backup of a main machine, when the preferences say so: before any window shows,
+    // the main's show is asked for.
+    FollowSession followSession(engine, clock);
+    web.setFollowSession(&followSession);
+    FollowController follow(followSession, flow, clock, sounds);
+    follow.setBeforeFollowing([&] {
+        console.saveBeforeQuit();
+        recovery.showClosed();
+    });
+    follow.applyStored();
 
     // Asked once remote control listens: the answer takes a moment, and only the windows need it.
     RenderingBackend::chooseForThisMachine();
@@ -155,7 +167,7 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
     qml.addImportPath(QStringLiteral("qrc:/"));
     qml.setInitialProperties(
         AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                       &settings, &outputs}
+                       &settings, &outputs, &follow}
             .initialProperties());
     QObject::connect(
         &qml, &QQmlApplicationEngine::objectCreationFailed, &app,

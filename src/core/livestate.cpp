@@ -35,12 +35,12 @@ double LiveState::elapsedAt(qint64 wallMs) const
     return running && !paused ? elapsed + double(wallMs - capturedAtMs) / 1000.0 : elapsed;
 }
 
-bool LiveState::sameAs(const LiveState &other) const
+bool LiveState::sameAs(const LiveState &other, double toleranceSeconds) const
 {
     // The capture instant always differs, and a running cue's clock moves with it: that clock
-    // is compared by the instant it started, a pause by the instant it began, to a quarter of
-    // a second (the wall and monotonic clocks round differently).
-    const auto near = [](double a, double b) { return std::fabs(a - b) < 0.25; };
+    // is compared by the instant it started, a pause by the instant it began, within the
+    // tolerance (the wall and monotonic clocks round differently).
+    const auto near = [toleranceSeconds](double a, double b) { return std::fabs(a - b) < toleranceSeconds; };
     LiveState a = *this;
     a.capturedAtMs = other.capturedAtMs;
     if (running && !paused && other.running && !other.paused) {
@@ -58,7 +58,7 @@ bool LiveState::sameAs(const LiveState &other) const
 
 namespace LiveStateFile {
 
-QByteArray encode(const LiveState &s)
+QJsonObject toJson(const LiveState &s)
 {
     QJsonArray log;
     for (const CueLogEntry &entry : s.completedCueLog)
@@ -71,7 +71,7 @@ QByteArray encode(const LiveState &s)
         outputs.append(QJsonObject{{"window", output.window},
                                    {"screen", output.screen},
                                    {"fullScreen", output.fullScreen}});
-    const QJsonObject root{
+    return QJsonObject{
         {"version", formatVersion},
         {"session", UuidText::canonical(s.sessionID)},
         {"activeCue", s.activeCueID ? QJsonValue(UuidText::canonical(*s.activeCueID)) : QJsonValue()},
@@ -97,9 +97,13 @@ QByteArray encode(const LiveState &s)
         {"showLocked", s.showLocked},
         {"outputs", outputs},
     };
+}
+
+QByteArray encode(const LiveState &s)
+{
     // The byte-order mark is written escaped: Qt's reader drops it, raw, at the start of a text,
     // and a cue name or a message read back would lose it. Outside texts the document has none.
-    return QJsonDocument(root).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
+    return QJsonDocument(toJson(s)).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
 }
 
 std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
@@ -113,7 +117,16 @@ std::optional<LiveState> decode(const QByteArray &bytes, QString *error)
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
     if (!document.isObject())
         return fail(QStringLiteral("contenu illisible"));
-    const QJsonObject o = document.object();
+    return fromJson(document.object(), error);
+}
+
+std::optional<LiveState> fromJson(const QJsonObject &o, QString *error)
+{
+    const auto fail = [error](const QString &reason) -> std::optional<LiveState> {
+        if (error)
+            *error = reason;
+        return std::nullopt;
+    };
     if (o.value("version").toInt() != formatVersion)
         return fail(QStringLiteral("version inconnue"));
     const std::optional<QUuid> session = UuidText::parse(o.value("session").toString());

@@ -3,6 +3,7 @@
 #include "cuelogentry.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QList>
 #include <QString>
 #include <QUuid>
@@ -53,8 +54,9 @@ struct LiveState {
     bool operator==(const LiveState &) const = default;
 
     // Whether the two differ in more than the clock's running on: a running cue's start
-    // instant (capture time less elapsed) may drift by the clocks' resolution.
-    bool sameAs(const LiveState &other) const;
+    // instant (capture time less elapsed) may drift by the clocks' resolution, up to
+    // `toleranceSeconds`.
+    bool sameAs(const LiveState &other, double toleranceSeconds = 0.25) const;
     // The elapsed time of the active cue at `wallMs`: it runs on while running, unpaused.
     double elapsedAt(qint64 wallMs) const;
 };
@@ -63,4 +65,7 @@ struct LiveState {
 namespace LiveStateFile {
 QByteArray encode(const LiveState &state);
 std::optional<LiveState> decode(const QByteArray &bytes, QString *error = nullptr);
+// The same document as a JSON object, as a main machine sends it to its followers.
+QJsonObject toJson(const LiveState &state);
+std::optional<LiveState> fromJson(const QJsonObject &object, QString *error = nullptr);
 } // namespace LiveStateFile

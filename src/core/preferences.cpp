@@ -22,6 +22,10 @@ const QString webEnabled = QStringLiteral("webEnabled");
 const QString webPort = QStringLiteral("webPort");
 const QString webInterface = QStringLiteral("webInterface");
 const QString webAccessCode = QStringLiteral("webAccessCode");
+const QString followEnabled = QStringLiteral("followEnabled");
+const QString followHost = QStringLiteral("followHost");
+const QString followPort = QStringLiteral("followPort");
+const QString followAccessCode = QStringLiteral("followAccessCode");
 } // namespace Key
 
 QVariant read(const QString &key, const QVariant &whenNeverStored)
@@ -185,6 +189,23 @@ Preferences::WebSettings Preferences::storedWebSettings()
     }
     stored.accessCode = webAccessCode();
     return stored;
+}
+
+Preferences::FollowSettings Preferences::followSettings()
+{
+    const SettingsFile settings;
+    return {settings.value(Key::followEnabled, false).toBool(), settings.value(Key::followHost).toString(),
+            settings.value(Key::followPort, 8080).toInt(), settings.value(Key::followAccessCode).toString()};
+}
+
+bool Preferences::setFollowSettings(const FollowSettings &follow, QString *error)
+{
+    SettingsFile settings;
+    settings.setValue(Key::followEnabled, follow.enabled);
+    settings.setValue(Key::followHost, follow.host);
+    settings.setValue(Key::followPort, follow.port);
+    settings.setValue(Key::followAccessCode, follow.accessCode);
+    return settings.save(error);
 }
 
 std::optional<Preferences::OutputDisplay> Preferences::outputDisplay(const QString &output)

@@ -88,6 +88,21 @@ public:
     static WebSettings storedWebSettings();
     static double storedSplashDuration(); // 0 when never stored
 
+    // ---- Following a main machine, as a backup ----
+    // Keys `followEnabled`, `followHost`, `followPort` (8080 while never stored) and
+    // `followAccessCode`.
+    struct FollowSettings {
+        bool enabled = false;
+        QString host;
+        int port = 8080;
+        QString accessCode;
+
+        bool operator==(const FollowSettings &) const = default;
+    };
+    static FollowSettings followSettings();
+    // Stores the four at once; false, with why in `error`, when the disk refused them.
+    static bool setFollowSettings(const FollowSettings &settings, QString *error = nullptr);
+
     // ---- The display each output window was last sent to, full screen ----
     // `output` is the window's identifier, "stage" or "confidence"; the keys are
     // `<output>DisplayName` and `<output>DisplayGeometry` ("1280x720+1920+0").

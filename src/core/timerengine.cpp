@@ -279,6 +279,8 @@ QVariant TimerEngine::doorsTargetVariant() const
 
 void TimerEngine::setSelectedCueIndex(std::optional<int> index)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_selectedCueIndex == index)
         return;
@@ -306,16 +308,22 @@ void TimerEngine::setFlag(bool &flag, bool on, void (TimerEngine::*changed)())
 
 void TimerEngine::setBlackout(bool on)
 {
+    if (refusesCommands())
+        return;
     setFlag(m_blackout, on, &TimerEngine::blackoutChanged);
 }
 
 void TimerEngine::setClockMode(bool on)
 {
+    if (refusesCommands())
+        return;
     setFlag(m_clockMode, on, &TimerEngine::clockModeChanged);
 }
 
 void TimerEngine::setShowLocked(bool on)
 {
+    if (refusesCommands())
+        return;
     setFlag(m_showLocked, on, &TimerEngine::showLockedChanged);
 }
 
@@ -370,5 +378,12 @@ void TimerEngine::notifyStateChange()
 void TimerEngine::postJob(std::function<void()> job)
 {
     // Queued on this object: dropped by the event loop if the engine is destroyed first.
-    QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this, job = std::move(job)] {
+            ++m_ownJobs;
+            job();
+            --m_ownJobs;
+        },
+        Qt::QueuedConnection);
 }

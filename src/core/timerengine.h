@@ -82,6 +82,8 @@ class TimerEngine : public QObject
     Q_PROPERTY(QList<CueTemplate> templates READ templates NOTIFY templatesChanged FINAL)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoStateChanged FINAL)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY undoStateChanged FINAL)
+    // The show mirrors a main machine: the operator's and remote control's commands are refused.
+    Q_PROPERTY(bool following READ isFollowing NOTIFY followingChanged FINAL)
 
 public:
     using StateHook = std::function<void(const TimerStateSnapshot &)>;
@@ -138,6 +140,8 @@ public:
     double frozenRemaining() const { return m_frozenRemaining; }
     bool clockMode() const { return m_clockMode; }
     bool blinkActive() const { return m_blinkActive; }
+    // Seconds until the blink running now ends; 0 when none runs.
+    double blinkSecondsLeft() const;
     std::optional<QDateTime> doorsTarget() const;
     bool doorsActive() const { return m_doorsTargetMs.has_value(); }
     double doorsRemaining() const { return m_doorsRemaining; }
@@ -200,6 +204,18 @@ public:
     // time since, a paused one stands at its value; the thresholds already passed stay silent.
     void resumeLiveState(const LiveState &state);
 
+    // ---- Following a main machine ---------------------------------------------------------------
+    // While following, every operation from outside (the console, OSC, the web, a project
+    // opened) does nothing: the show is the main's, put here by mirror(). The engine's own
+    // work goes on (the clock, alerts, auto-follow, doors zero), so that a follower that loses
+    // its main keeps the show running by itself.
+    bool isFollowing() const { return m_following; }
+    void setFollowing(bool on);
+    // Takes the main's show (when given) and its live state at once, in one change: observers
+    // never see the show loaded but not yet resumed. A blink the main shows for `blinkSeconds`
+    // more is started when none runs; one the main no longer shows (0) ends.
+    void mirror(const TimerSession *show, const LiveState &state, double blinkSeconds);
+
     // Calls the state hook with a fresh snapshot. Operations call it themselves; the flags set
     // directly (blackout, clock mode) do not, so whoever sets them tells remote control here.
     void notifyStateChange();
@@ -251,6 +267,7 @@ signals:
     void completedCueLogChanged();
     void templatesChanged();
     void undoStateChanged();
+    void followingChanged();
     // An operation has ended and its signals are about to be emitted: the state is whole, so
     // remote viewers can be told the whole change at once, before the views react to it.
     // `sessionChanged` when the show itself (its name or its cues) is among the changes.
@@ -310,6 +327,9 @@ private:
     // No active cue, a clock at zero, no show control on; records the signals.
     void clearLiveState();
     void postJob(std::function<void()> job);
+    // Whether a command from outside is refused now: while following, unless it is the
+    // engine's own work (inside an operation, or a job it posted).
+    bool refusesCommands() const { return m_following && m_batchDepth == 0 && m_ownJobs == 0; }
 
     // Editing internals.
     void pushUndo();
@@ -352,6 +372,7 @@ private:
     double m_frozenRemaining = 0;
     bool m_clockMode = false;
     bool m_blinkActive = false;
+    qint64 m_blinkEndsUs = 0; // monotonic
     std::optional<qint64> m_doorsTargetMs; // wall clock, ms since the epoch
     double m_doorsRemaining = 0;
     bool m_showLocked = false;
@@ -380,6 +401,8 @@ private:
     mutable QByteArray m_planZone;
     mutable bool m_planStale = true;
     int m_batchDepth = 0;      // operations running, nested
+    int m_ownJobs = 0;         // jobs the engine posted, running
+    bool m_following = false;
     quint32 m_pendingSignals = 0; // one bit per signal, in the order they are emitted
     bool m_pendingHook = false;
 

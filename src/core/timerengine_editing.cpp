@@ -48,11 +48,15 @@ void TimerEngine::leaveRemovedActiveCue(const Cue &removed)
 
 void TimerEngine::addCue()
 {
+    if (refusesCommands())
+        return;
     addCue(Cue());
 }
 
 void TimerEngine::addCue(const Cue &cue)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_showLocked)
         return;
@@ -63,6 +67,8 @@ void TimerEngine::addCue(const Cue &cue)
 
 void TimerEngine::addCue(const CueTemplate &from)
 {
+    if (refusesCommands())
+        return;
     Cue cue;
     cue.name = from.name;
     cue.duration = from.duration;
@@ -73,6 +79,8 @@ void TimerEngine::addCue(const CueTemplate &from)
 
 void TimerEngine::updateCue(const Cue &cue)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     // Allowed while the show is locked: fixing a typo in a running show is not editing the
     // running order. A changed length or threshold of the running cue applies from its next
@@ -90,6 +98,8 @@ void TimerEngine::updateCue(const Cue &cue)
 
 void TimerEngine::moveCue(int from, int offset)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_showLocked || offset == 0)
         return;
@@ -104,6 +114,8 @@ void TimerEngine::moveCue(int from, int offset)
 
 void TimerEngine::deleteCue(int at)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_showLocked || at < 0 || at >= m_session.cues.size())
         return;
@@ -119,6 +131,8 @@ void TimerEngine::deleteCue(int at)
 
 void TimerEngine::replaceCues(const QList<Cue> &cues)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_showLocked)
         return;
@@ -131,11 +145,15 @@ void TimerEngine::replaceCues(const QList<Cue> &cues)
 
 void TimerEngine::undo()
 {
+    if (refusesCommands())
+        return;
     restoreFrom(m_undoStack, m_redoStack);
 }
 
 void TimerEngine::redo()
 {
+    if (refusesCommands())
+        return;
     restoreFrom(m_redoStack, m_undoStack);
 }
 
@@ -167,6 +185,8 @@ void TimerEngine::clampIndices(const QList<Cue> &previousCues)
 
 void TimerEngine::updateProjectInfo(const TimerSession &edited)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     m_session.name = edited.name;
     m_session.client = edited.client;
@@ -187,6 +207,8 @@ void TimerEngine::updateProjectInfo(const TimerSession &edited)
 
 void TimerEngine::setLinkedSpreadsheet(const std::optional<LinkedSpreadsheet> &link)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_session.linkedSpreadsheet == link)
         return;

@@ -107,3 +107,22 @@ void TimerEngine::resumeLiveState(const LiveState &s)
         stopTicker();
     notifyStateChange();
 }
+
+void TimerEngine::setFollowing(bool on)
+{
+    if (m_following == on)
+        return;
+    m_following = on;
+    emit followingChanged();
+}
+
+void TimerEngine::mirror(const TimerSession *show, const LiveState &state, double blinkSeconds)
+{
+    const Batch batch(*this);
+    if (show)
+        loadSession(*show);
+    resumeLiveState(state);
+    if ((blinkSeconds > 0) != m_blinkActive)
+        triggerBlink(blinkSeconds); // starts it, or ends one the main ended
+
+}

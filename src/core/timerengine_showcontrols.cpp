@@ -8,6 +8,8 @@
 
 void TimerEngine::sendMessage(const std::optional<QString> &text, bool urgent)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     m_currentMessage = text;
     m_messageUrgent = urgent;
@@ -19,6 +21,8 @@ void TimerEngine::sendMessage(const std::optional<QString> &text, bool urgent)
 
 void TimerEngine::toggleFreeze()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     m_freeze = !m_freeze;
     if (m_freeze)
@@ -30,6 +34,8 @@ void TimerEngine::toggleFreeze()
 
 void TimerEngine::triggerBlink(double duration)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     m_blinkTimer->stop();
     if (m_blinkActive) {
@@ -45,11 +51,20 @@ void TimerEngine::triggerBlink(double duration)
         m_sound.play(AlertSound::attention());
     notifyStateChange();
     const double ms = std::isfinite(duration) ? duration * 1000 : 0;
-    m_blinkTimer->start(std::llround(std::clamp(ms, 0.0, double(std::numeric_limits<int>::max()))));
+    const qint64 delayMs = std::llround(std::clamp(ms, 0.0, double(std::numeric_limits<int>::max())));
+    m_blinkEndsUs = m_clock.monotonicUs() + delayMs * 1000;
+    m_blinkTimer->start(delayMs);
+}
+
+double TimerEngine::blinkSecondsLeft() const
+{
+    return m_blinkActive ? std::max(0.0, double(m_blinkEndsUs - m_clock.monotonicUs()) / 1e6) : 0.0;
 }
 
 void TimerEngine::startDoors(const QDateTime &at)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     const QDateTime now = m_clock.now();
     const QDateTime target = WallTime::resolveDoorsTarget(at, now, m_clock.timeZone());
@@ -63,12 +78,16 @@ void TimerEngine::startDoors(const QDateTime &at)
 
 void TimerEngine::startDoorsAt(QTime timeOfDay)
 {
+    if (refusesCommands())
+        return;
     const QDateTime now = m_clock.now().toTimeZone(m_clock.timeZone());
     startDoors(QDateTime(now.date(), timeOfDay, m_clock.timeZone()));
 }
 
 void TimerEngine::cancelDoors()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (!m_doorsTargetMs)
         return;

@@ -7,6 +7,8 @@
 
 void TimerEngine::start(std::optional<int> cueIndex)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     const int index = cueIndex           ? *cueIndex
                       : m_selectedCueIndex ? *m_selectedCueIndex
@@ -36,6 +38,8 @@ void TimerEngine::start(std::optional<int> cueIndex)
 
 void TimerEngine::pause()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (!m_isRunning)
         return;
@@ -63,6 +67,8 @@ void TimerEngine::pause()
 
 void TimerEngine::stop()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (m_isRunning)
         logActiveCue();
@@ -79,6 +85,8 @@ void TimerEngine::halt()
 
 void TimerEngine::reset()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     const Cue *cue = activeCuePtr();
     if (!cue)
@@ -92,6 +100,8 @@ void TimerEngine::reset()
 
 void TimerEngine::next()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     const std::optional<int> base = baseIndex();
     if (!base)
@@ -104,6 +114,8 @@ void TimerEngine::next()
 
 void TimerEngine::previous()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     const std::optional<int> base = baseIndex();
     if (base && *base >= 1)
@@ -112,6 +124,8 @@ void TimerEngine::previous()
 
 void TimerEngine::adjust(double seconds)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     if (!activeCuePtr() || !std::isfinite(seconds))
         return;
@@ -156,6 +170,8 @@ void TimerEngine::logActiveCue()
 
 void TimerEngine::loadSession(const TimerSession &session)
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     stop();
     m_session = session;
@@ -178,6 +194,8 @@ void TimerEngine::loadSession(const TimerSession &session)
 
 void TimerEngine::returnToIdle()
 {
+    if (refusesCommands())
+        return;
     const Batch batch(*this);
     stop();
     clearLiveState();

@@ -70,7 +70,8 @@ void TriggerDispatcher::onMoment(const TimerEngine &engine, TriggerMoment moment
                                  int index, double remaining)
 {
     const QList<CueTrigger> &shown = engine.session().triggers;
-    if (cue.triggers.isEmpty() && shown.isEmpty())
+    // A backup machine's show is the main's: the main sends them.
+    if ((cue.triggers.isEmpty() && shown.isEmpty()) || engine.isFollowing())
         return;
     const TriggerContext context = contextOf(cue, index, remaining);
     const QString cueKey = cue.id.toString(QUuid::WithoutBraces);

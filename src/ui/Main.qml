@@ -21,6 +21,8 @@ QtObject {
     required property OutputWindows outputs
     // The preferences, the alert outputs and the remote control's status, for the settings.
     required property SettingsController settings
+    // This machine as the backup of a main one.
+    required property FollowController follow
 
     // Shows the window of an identifier: "main", "stage", "confidence" or "settings".
     function openWindow(identifier) {
@@ -55,6 +57,7 @@ QtObject {
         screens: app.screens
         store: app.store
         commandTable: app.commandTable
+        follow: app.follow
         visible: true
         onOpenOutput: identifier => app.openWindow(identifier)
         onSendOutput: (identifier, displayIndex) => app.outputs.sendTo(identifier, displayIndex)
@@ -76,6 +79,7 @@ QtObject {
 
     property SettingsWindow settingsWindow: SettingsWindow {
         settings: app.settings
+        follow: app.follow
         engine: app.engine
         brand: app.brand
     }

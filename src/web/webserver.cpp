@@ -1,7 +1,9 @@
 #include "webserver.h"
 
 #include "clock.h"
+#include "followsession.h"
 #include "preferences.h"
+#include "projectdocument.h"
 #include "requestgate.h"
 #include "timerengine.h"
 #include "webcommand.h"
@@ -36,6 +38,12 @@ void sendJson(QWebSocket *viewer, const QJsonObject &object)
 // What a viewer may leave unread before it is dropped: hundreds of pushes.
 constexpr qint64 maxUnreadBytes = 1 << 20;
 
+QString followerRefusal()
+{
+    return QStringLiteral("Machine de secours : elle suit la régie principale et n'obéit qu'à elle "
+                          "(« Prendre la main » pour la commander)");
+}
+
 QHttpServerResponse wrongMethod(const QString &path, const char *allowed)
 {
     QHttpServerResponse response = jsonError(
@@ -62,7 +70,7 @@ QHttpServerResponse pageResponse(const QString &path, const QHttpServerRequest &
 } // namespace
 
 WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
-    : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock)
+    : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock), m_followers(engine)
 {
     m_scheduleTimer = clock.createTimer([this] { scheduleMoved(); });
     connect(&engine, &TimerEngine::aboutToNotify, this, &WebServer::onEngineChanged);
@@ -105,12 +113,13 @@ void WebServer::setStatus(const std::optional<QString> &status)
 
 void WebServer::stopServing()
 {
-    for (QWebSocket *viewer : std::as_const(m_viewers)) {
+    for (QWebSocket *viewer : m_viewers + m_followers.followers()) {
         viewer->disconnect(this);
         viewer->abort();
         viewer->deleteLater();
     }
     m_viewers.clear();
+    m_followers.clear();
     m_feed.forget();
     followSchedule();
     delete m_http; // owns the gate once bound
@@ -156,7 +165,7 @@ void WebServer::applyWebSettings()
 void WebServer::setUpRoutes()
 {
     QStringList names = WebCommand::commandNames();
-    names.append(QStringLiteral("state"));
+    names.append({QStringLiteral("state"), QStringLiteral("show"), QStringLiteral("takeover")});
     for (const QString &name : std::as_const(names)) {
         m_http->route(QStringLiteral("/api/") + name,
                       [this, name](const QHttpServerRequest &request) {
@@ -181,6 +190,44 @@ void WebServer::setUpRoutes()
         responder.write(webErrorBody(QStringLiteral("Chemin inconnu : %1").arg(request.url().path())),
                         "application/json", QHttpServerResponder::StatusCode::NotFound);
     });
+}
+
+std::optional<QHttpServerResponse> WebServer::refusedRequest(const QHttpServerRequest &request)
+{
+    using Status = QHttpServerResponse::StatusCode;
+    const QByteArray authorization = request.value("Authorization");
+    const QByteArray code = authorization.startsWith("Bearer ") ? authorization.mid(7) : QByteArray();
+    const std::optional<Refusal> refused = refusal(request.remoteAddress().toString(), code);
+    if (!refused)
+        return std::nullopt;
+    if (refused->retryAfterSeconds == 0)
+        return jsonError(Status::Unauthorized, refused->message);
+    QHttpServerResponse response = jsonError(Status::TooManyRequests, refused->message);
+    response.setHeader("Retry-After", QByteArray::number(refused->retryAfterSeconds));
+    return response;
+}
+
+QJsonObject WebServer::stateDocument() const
+{
+    QJsonObject document = webStateDocument(m_engine, m_clock);
+    const FollowSession::Role role = m_follow ? m_follow->role() : FollowSession::Role::Main;
+    document.insert(QLatin1StringView("follow"),
+                    QJsonObject{{"role", FollowSession::roleName(role)},
+                                {"host", role == FollowSession::Role::Main ? QJsonValue() : QJsonValue(m_follow->host())},
+                                {"since", m_follow ? QJsonValue(double(m_follow->sinceMs())) : QJsonValue()}});
+    return document;
+}
+
+QHttpServerResponse WebServer::showResponse() const
+{
+    const std::optional<QByteArray> bytes = ProjectDocument::encode(m_engine.session());
+    if (!bytes)
+        return jsonError(QHttpServerResponse::StatusCode::InternalServerError,
+                         QStringLiteral("Projet impossible à encoder"));
+    QHttpServerResponse response("application/json", *bytes);
+    response.setHeader(FollowFeed::protocolHeader, QByteArray::number(FollowFeed::protocolVersion));
+    response.setHeader(FollowFeed::revisionHeader, QByteArray::number(m_followers.revision()));
+    return response;
 }
 
 std::optional<WebServer::Refusal> WebServer::refusal(const QString &client, const QByteArray &code)
@@ -210,21 +257,26 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     if (name == QLatin1StringView("state")) {
         if (method != QHttpServerRequest::Method::Get)
             return wrongMethod(path, "GET");
-        return QHttpServerResponse(webStateDocument(m_engine, m_clock));
+        return QHttpServerResponse(stateDocument());
+    }
+    if (name == QLatin1StringView("show")) {
+        if (method != QHttpServerRequest::Method::Get)
+            return wrongMethod(path, "GET");
+        if (std::optional<QHttpServerResponse> refused = refusedRequest(request))
+            return std::move(*refused);
+        return showResponse();
     }
     if (method != QHttpServerRequest::Method::Post)
         return wrongMethod(path, "POST");
-
-    const QByteArray authorization = request.value("Authorization");
-    const QString client = request.remoteAddress().toString();
-    const QByteArray code = authorization.startsWith("Bearer ") ? authorization.mid(7) : QByteArray();
-    if (const std::optional<Refusal> refused = refusal(client, code)) {
-        if (refused->retryAfterSeconds == 0)
-            return jsonError(Status::Unauthorized, refused->message);
-        QHttpServerResponse response = jsonError(Status::TooManyRequests, refused->message);
-        response.setHeader("Retry-After", QByteArray::number(refused->retryAfterSeconds));
-        return response;
+    if (std::optional<QHttpServerResponse> refused = refusedRequest(request))
+        return std::move(*refused);
+    if (name == QLatin1StringView("takeover")) {
+        if (m_follow)
+            m_follow->takeOver();
+        return QHttpServerResponse(stateDocument());
     }
+    if (m_engine.isFollowing())
+        return jsonError(Status::Conflict, followerRefusal());
 
     QJsonObject body;
     const QByteArray raw = request.body();
@@ -243,7 +295,7 @@ QHttpServerResponse WebServer::handleApi(const QString &name, const QHttpServerR
     if (const std::optional<QString> refused = applyWebCommand(m_engine, *command))
         return jsonError(Status::BadRequest, *refused);
     pushChanges(); // the viewers learn it before the answer leaves
-    return QHttpServerResponse(webStateDocument(m_engine, m_clock));
+    return QHttpServerResponse(stateDocument());
 }
 
 void WebServer::acceptViewers()
@@ -267,16 +319,21 @@ void WebServer::acceptViewers()
                                  "Message binaire refusé : un objet JSON texte est attendu")));
         });
         connect(viewer, &QWebSocket::disconnected, this, [this, viewer] {
-            m_viewers.removeOne(viewer);
+            m_followers.remove(viewer);
+            dropViewer(viewer);
             viewer->deleteLater();
-            // Nothing is sent while no one watches: the next viewer starts afresh.
-            if (m_viewers.isEmpty()) {
-                m_feed.forget();
-                followSchedule();
-            }
         });
         welcome(viewer);
         m_viewers.append(viewer);
+        followSchedule();
+    }
+}
+
+void WebServer::dropViewer(QWebSocket *viewer)
+{
+    // Nothing is sent while no one watches: the next viewer starts afresh.
+    if (m_viewers.removeOne(viewer) && m_viewers.isEmpty()) {
+        m_feed.forget();
         followSchedule();
     }
 }
@@ -334,6 +391,18 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
             error.insert(QLatin1StringView("id"), id);
         reply(error);
     };
+    if (name.toString() == QLatin1StringView("follow")) {
+        // A backup machine: it needs the access code, then gets the live state instead of
+        // the viewers' feed.
+        if (const std::optional<Refusal> refused = refusal(
+                viewer->peerAddress().toString(), message.value(QLatin1StringView("code")).toString().toUtf8())) {
+            refuse(refused->message);
+            return;
+        }
+        dropViewer(viewer);
+        m_followers.add(viewer);
+        return;
+    }
     if (!WebCommand::isCommandName(name.toString())) {
         refuse(QStringLiteral("Commande inconnue : « %1 »").arg(name.toString()));
         return;
@@ -347,6 +416,10 @@ void WebServer::handleViewerMessage(QWebSocket *viewer, const QString &text)
     const std::optional<WebCommand> command = WebCommand::decode(name.toString(), message, &error);
     if (!command) {
         refuse(error);
+        return;
+    }
+    if (m_engine.isFollowing()) {
+        refuse(followerRefusal());
         return;
     }
     if (const std::optional<QString> refused = applyWebCommand(m_engine, *command)) {
@@ -364,6 +437,7 @@ void WebServer::onEngineChanged(bool sessionChanged)
         m_feed.showChanged();
     else
         m_feed.stateChanged();
+    m_followers.engineChanged(sessionChanged);
     followSchedule(); // the show may have gained or lost its start time
     if (m_viewers.isEmpty())
         return;

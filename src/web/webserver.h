@@ -9,6 +9,7 @@
 #include <QVariant>
 
 #include "codeguard.h"
+#include "followerhub.h"
 #include "viewerfeed.h"
 
 #include <memory>
@@ -16,6 +17,7 @@
 
 class Clock;
 class ClockTimer;
+class FollowSession;
 class QHttpServerRequest;
 class QWebSocket;
 class RequestGate;
@@ -45,6 +47,10 @@ public:
     int viewerCount() const { return int(m_viewers.size()); }
     // How long a client may take to send a whole request before it gets a 408.
     void setRequestTimeoutMs(int ms);
+    // This machine's following of a main: its role in the state document, POST /api/takeover,
+    // and the commands refused while it follows. Must outlive the server.
+    void setFollowSession(FollowSession *follow) { m_follow = follow; }
+    int followerCount() const { return int(m_followers.followers().size()); }
 
 signals:
     void webStatusChanged();
@@ -56,6 +62,9 @@ private:
     void stopServing();
     void setUpRoutes();
     QHttpServerResponse handleApi(const QString &name, const QHttpServerRequest &request);
+    // The state document with this machine's role in following.
+    QJsonObject stateDocument() const;
+    QHttpServerResponse showResponse() const;
     // Why a command is refused: its French text, and while the address is locked out, the
     // seconds left (the HTTP answer is then 429 with Retry-After, else 401).
     struct Refusal {
@@ -64,6 +73,8 @@ private:
     };
     // Checks `code` for `client`, counting wrong codes.
     std::optional<Refusal> refusal(const QString &client, const QByteArray &code);
+    std::optional<QHttpServerResponse> refusedRequest(const QHttpServerRequest &request);
+    void dropViewer(QWebSocket *viewer);
     void acceptViewers();
     void handleViewerMessage(QWebSocket *viewer, const QString &text);
     void welcome(QWebSocket *viewer);
@@ -90,6 +101,8 @@ private:
     std::optional<QString> m_status;
     QList<QWebSocket *> m_viewers;
     ViewerFeed m_feed;
+    FollowerHub m_followers;
+    FollowSession *m_follow = nullptr;
     std::unique_ptr<ClockTimer> m_scheduleTimer;
     bool m_pushedThisTurn = false;
     bool m_endOfTurnScheduled = false;

@@ -5,6 +5,8 @@
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
+#include "followcontroller.h"
+#include "followsession.h"
 #include "enginefixture.h"
 #include "formatters.h"
 #include "networkcoordinator.h"
@@ -33,14 +35,16 @@ struct AppFixture : EngineFixture {
           outputs(screens, toasts, clock), store(clock),
           console(engine, store, flow, toasts, clock,
                   [this](const QString &path) { revealed << path; }),
-          web(engine, clock), settings(engine, network, web, store)
+          web(engine, clock), settings(engine, network, web, store), followSession(engine, clock),
+          follow(followSession, flow, clock, sound)
     {
+        web.setFollowSession(&followSession);
         Fmt::setLocale(QLocale(QLocale::French, QLocale::France));
         Fmt::setTimeZone(QTimeZone("Europe/Paris"));
         qml.addImportPath(QStringLiteral("qrc:/"));
         qml.setInitialProperties(
             AppRootObjects{&engine, &displayClock, &flow, &brand, &screens, &toasts, &console, &store,
-                           &settings, &outputs}
+                           &settings, &outputs, &follow}
                 .initialProperties());
         qml.load(QUrl(QStringLiteral("qrc:/Kairon/Main.qml")));
         if (qml.rootObjects().size() != 1)
@@ -74,6 +78,8 @@ struct AppFixture : EngineFixture {
     NetworkCoordinator network; // not attached: the engine's state hook stays the fixture's
     WebServer web;              // not serving until its settings are applied
     SettingsController settings;
+    FollowSession followSession; // follows no main until asked
+    FollowController follow;
     QQmlApplicationEngine qml;
     QObject *app = nullptr;
     QQuickWindow *operatorWindow = nullptr;

@@ -37,9 +37,11 @@ const QHash<QString, char32_t> &table()
         {QStringLiteral("forward.end.fill"), 0xE044},                 // skip_next
         {QStringLiteral("gearshape"), 0xE8B8},                        // settings
         {QStringLiteral("globe"), 0xE80B},                            // public
+        {QStringLiteral("hand.raised"), 0xE925},                      // pan_tool
         {QStringLiteral("info.circle"), 0xE88F},                      // info_outline
         {QStringLiteral("info.circle.fill"), 0xE88E},                 // info
         {QStringLiteral("list.bullet.rectangle"), 0xE0EE},            // list_alt
+        {QStringLiteral("lifepreserver"), 0xEF73},                    // support
         {QStringLiteral("lock.fill"), 0xE897},                        // lock
         {QStringLiteral("lock.open"), 0xE898},                        // lock_open
         {QStringLiteral("mappin.and.ellipse"), 0xE55F},               // place

@@ -40,6 +40,7 @@ Rectangle {
             leftPadding: 10
             symbol: "chevron.left"
             text: "Projets"
+            enabled: !bar.engine.following
             help: "Retour aux projets (sauvegarde automatique)"
             onClicked: bar.consoleController.backToProjects()
         }
@@ -54,6 +55,7 @@ Rectangle {
         Button {
             id: project
             objectName: "projectInfoButton"
+            enabled: !bar.engine.following
             anchors.verticalCenter: parent.verticalCenter
             // As wide as the longer line, within what the right side leaves free.
             width: Math.min(Math.max(nameLine.implicitWidth, summaryLine.implicitWidth) + 16,
@@ -104,6 +106,7 @@ Rectangle {
         IconButton {
             objectName: "saveProject"
             symbol: "square.and.arrow.down"
+            enabled: !bar.engine.following
             help: "Sauvegarder le projet (" + saveKeys.nativeText + ")"
             onClicked: bar.consoleController.saveProject()
             Shortcut { id: saveKeys; sequence: "Ctrl+S"; onActivated: bar.consoleController.saveProject() }
@@ -111,6 +114,7 @@ Rectangle {
         IconButton {
             objectName: "showLock"
             symbol: bar.presenter.lockSymbol
+            enabled: !bar.engine.following
             iconColor: bar.presenter.lockColor
             help: bar.presenter.lockHelp
             onClicked: bar.consoleController.toggleShowLock()
@@ -119,6 +123,7 @@ Rectangle {
             id: doors
             objectName: "doorsButton"
             symbol: "door.left.hand.open"
+            enabled: !bar.engine.following
             text: bar.presenter.doorsLabel
             labelFont: AppTheme.digitsFont
             labelColor: bar.engine.doorsActive ? AppTheme.accent : AppTheme.textPrimary

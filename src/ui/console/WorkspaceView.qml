@@ -10,6 +10,7 @@ Rectangle {
 
     required property TimerEngine engine
     required property ConsoleController consoleController
+    required property FollowController follow
     required property ShowCommands commands
     required property ScreenManager screens
     required property DisplayClock clock
@@ -42,11 +43,22 @@ Rectangle {
         onOpenDoors: anchor => doors.openBelow(anchor)
     }
 
+    // A backup machine: what it follows, and "Prendre la main". Its console is read-only then.
+    FollowBanner {
+        id: followBanner
+        objectName: "followBanner"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: topBar.bottom
+        follow: root.follow
+    }
+
     CueListPanel {
         id: cueList
         objectName: "cueListPanel"
         anchors.left: parent.left
-        anchors.top: topBar.bottom
+        anchors.top: followBanner.bottom
+        enabled: !root.engine.following
         anchors.bottom: parent.bottom
         // A third of a 1150-wide window, its share growing to two fifths at 1920 (768 wide), and
         // no wider than 800: long names show whole while the timer keeps room.
@@ -71,7 +83,7 @@ Rectangle {
         objectName: "consoleMain"
         anchors.left: cueList.right
         anchors.right: parent.right
-        anchors.top: topBar.bottom
+        anchors.top: followBanner.bottom
         anchors.bottom: parent.bottom
         contentHeight: mainColumn.implicitHeight + 32
         boundsBehavior: Flickable.StopAtBounds
@@ -93,6 +105,7 @@ Rectangle {
             }
             TransportBar {
                 objectName: "transport"
+                enabled: !root.engine.following
                 width: parent.width
                 engine: root.engine
                 consoleController: root.consoleController
@@ -101,6 +114,7 @@ Rectangle {
             }
             MessagePanel {
                 objectName: "messagePanel"
+                enabled: !root.engine.following
                 width: parent.width
                 engine: root.engine
                 consoleController: root.consoleController

@@ -16,6 +16,8 @@ ConsoleController::ConsoleController(TimerEngine &engine, const SessionStore &st
 {
     m_autosave = m_clock.createTimer([this] { autosave(); });
     connect(&m_engine, &TimerEngine::sessionChanged, this, &ConsoleController::showChanged);
+    // A backup that took over saves the show it now runs.
+    connect(&m_engine, &TimerEngine::followingChanged, this, &ConsoleController::showChanged);
     QQmlEngine::setObjectOwnership(&m_draft, QQmlEngine::CppOwnership);
     QQmlEngine::setObjectOwnership(&m_linkedSheet, QQmlEngine::CppOwnership);
     connect(&m_flow, &AppFlowState::stageChanged, this, &ConsoleController::followFlow);
@@ -32,6 +34,11 @@ void ConsoleController::followFlow()
 
 void ConsoleController::showChanged()
 {
+    // A main's show followed is never written here.
+    if (m_engine.isFollowing()) {
+        m_autosave->stop();
+        return;
+    }
     if (m_flow.stage() == AppFlowState::Workspace && !m_autosave->isActive())
         m_autosave->start(autosaveDelayMs);
 }
@@ -75,6 +82,8 @@ void ConsoleController::saveProject()
 bool ConsoleController::saveBeforeQuit()
 {
     m_autosave->stop();
+    if (m_engine.isFollowing())
+        return true;
     m_disk.waitForDone();
     return bool(m_store.save(m_engine.session()));
 }
@@ -89,6 +98,8 @@ void ConsoleController::saveProjectInfo(const QVariant &session)
 
 void ConsoleController::save(const QString &success)
 {
+    if (m_engine.isFollowing())
+        return;
     saveInBackground([this, success](const QString &error) {
         if (error.isEmpty())
             m_toasts.showSuccess(success);
@@ -99,6 +110,8 @@ void ConsoleController::save(const QString &success)
 
 void ConsoleController::backToProjects()
 {
+    if (m_engine.isFollowing())
+        return; // the main's show stays until this machine takes over or stops following
     saveProject(); // the file holds the cues as they stood, the running one included
     // With no show open, the outputs and remote control show nothing of it.
     m_engine.returnToIdle();

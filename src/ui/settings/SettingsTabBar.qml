@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import Kairon
 
-// The settings' five tabs, each an icon over its label; the current one in the accent.
+// The settings' six tabs, each an icon over its label; the current one in the accent.
 TabBar {
     id: bar
 
@@ -10,6 +10,7 @@ TabBar {
         { label: "Général", symbol: "gearshape" },
         { label: "OSC", symbol: "network" },
         { label: "Web", symbol: "globe" },
+        { label: "Secours", symbol: "lifepreserver" },
         { label: "Session", symbol: "folder" },
         { label: "À propos", symbol: "info.circle" }
     ]

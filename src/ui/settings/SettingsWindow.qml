@@ -4,13 +4,14 @@ import QtQuick.Layouts
 import QtQuick.Window
 import Kairon
 
-// The settings: a window of a fixed 520 × 460 with five tabs, "Général", "OSC", "Web", "Session"
-// and "À propos", and under them the line that says a preference could not be stored.
+// The settings: a window of a fixed 520 × 460 with six tabs, "Général", "OSC", "Web", "Secours",
+// "Session" and "À propos", and under them the line that says a preference could not be stored.
 // Everything it shows comes from the settings controller and the engine.
 Window {
     id: window
 
     required property SettingsController settings
+    required property FollowController follow
     required property TimerEngine engine
     required property BrandAssets brand
 
@@ -52,6 +53,10 @@ Window {
             SettingsWebTab {
                 objectName: "webTab"
                 web: window.settings.web
+            }
+            SettingsFollowTab {
+                objectName: "followTab"
+                follow: window.follow
             }
             SettingsSessionTab {
                 objectName: "sessionTab"

@@ -15,6 +15,7 @@ ApplicationWindow {
     required property ScreenManager screens
     required property SessionStore store
     required property ShellCommandTable commandTable
+    required property FollowController follow
     signal openOutput(string identifier)
     signal sendOutput(string identifier, int displayIndex)
 
@@ -76,6 +77,7 @@ ApplicationWindow {
         workspace: WorkspaceView {
             engine: window.engine
             consoleController: window.consoleController
+            follow: window.follow
             commands: window.commandTable.commands
             screens: window.screens
             clock: window.clock

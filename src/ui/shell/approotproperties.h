@@ -4,6 +4,7 @@
 #include "brandassets.h"
 #include "consolecontroller.h"
 #include "displayclock.h"
+#include "followcontroller.h"
 #include "outputwindows.h"
 #include "screenmanager.h"
 #include "sessionstore.h"
@@ -26,6 +27,7 @@ struct AppRootObjects {
     SessionStore *store;
     SettingsController *settings;
     OutputWindows *outputs;
+    FollowController *follow;
 
     QVariantMap initialProperties() const
     {
@@ -38,6 +40,7 @@ struct AppRootObjects {
                 {QStringLiteral("consoleController"), QVariant::fromValue(console)},
                 {QStringLiteral("store"), QVariant::fromValue(store)},
                 {QStringLiteral("settings"), QVariant::fromValue(settings)},
-                {QStringLiteral("outputs"), QVariant::fromValue(outputs)}};
+                {QStringLiteral("outputs"), QVariant::fromValue(outputs)},
+                {QStringLiteral("follow"), QVariant::fromValue(follow)}};
     }
 };

@@ -127,7 +127,8 @@ void ShowRecovery::scheduleCapture()
 void ShowRecovery::capture()
 {
     m_captureQueued = false;
-    if (m_flow.stage() != AppFlowState::Workspace)
+    // A main's show followed is the main's to recover.
+    if (m_flow.stage() != AppFlowState::Workspace || m_engine.isFollowing())
         return;
     LiveState state = m_engine.liveState();
     if (m_readOutputs)
