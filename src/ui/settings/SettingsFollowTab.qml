@@ -21,10 +21,11 @@ SettingsPage {
         }
         LabelledRow {
             label: "Adresse"
+            labelWidth: 90
             SheetTextField {
                 id: hostField
                 objectName: "followHost"
-                implicitWidth: 180
+                implicitWidth: 160
                 placeholderText: "192.168.1.20"
                 text: tab.follow.followHost
             }
@@ -43,6 +44,7 @@ SettingsPage {
         }
         LabelledRow {
             label: "Code d'accès"
+            labelWidth: 90
             SheetTextField {
                 id: codeField
                 objectName: "followAccessCode"
@@ -76,6 +78,6 @@ SettingsPage {
 
     SettingsNote {
         objectName: "followHelp"
-        text: "La régie principale doit avoir le contrôle web activé (onglet Web) : son adresse, son port et son code d'accès s'y lisent. Cette machine affiche alors son show et son horloge, et prend la main si elle se tait."
+        text: "La régie principale doit avoir le contrôle web activé : son adresse, son port et son code d'accès se lisent dans son onglet Web. Cette machine montre alors son show et son horloge\u00A0; si la régie principale se tait, le show continue ici et « Prendre la main » (Ctrl+Shift+T) en fait la régie principale."
     }
 }

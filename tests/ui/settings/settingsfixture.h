@@ -40,7 +40,8 @@ struct SettingsFixture : SettingsSandbox, AppFixture { // the store is fresh bef
         QVERIFY2(target && shown(name), name);
         QTest::mouseClick(settingsWindow, Qt::LeftButton, {}, centre(target));
     }
-    // Shows a tab by clicking it: 0 "Général", 1 "OSC", 2 "Web", 3 "Session", 4 "À propos".
+    // Shows a tab by clicking it: 0 "Général", 1 "OSC", 2 "Web", 3 "Secours", 4 "Session",
+    // 5 "À propos".
     void openTab(int index)
     {
         const QByteArray name = "settingsTab" + QByteArray::number(index);

@@ -44,16 +44,16 @@ private slots:
             labels << entry.toMap().value("label").toString();
             symbols << entry.toMap().value("symbol").toString();
         }
-        QCOMPARE(labels, (QStringList{"Général", "OSC", "Web", "Session", "À propos"}));
-        QCOMPARE(symbols, (QStringList{"gearshape", "network", "globe", "folder", "info.circle"}));
-        for (int i = 0; i < 5; ++i)
+        QCOMPARE(labels, (QStringList{"Général", "OSC", "Web", "Secours", "Session", "À propos"}));
+        QCOMPARE(symbols, (QStringList{"gearshape", "network", "globe", "lifepreserver", "folder", "info.circle"}));
+        for (int i = 0; i < 6; ++i)
             QCOMPARE(f.at(qPrintable(QStringLiteral("settingsTab%1").arg(i)))->property("text").toString(),
                      labels[i]);
         // Each tab's content starts 20 from the edges.
         const QQuickItem *slider = f.at("alertOutputMenu");
         QCOMPARE(slider->mapToScene(QPointF(0, 0)).x(), 20.0);
         keepScreenshot(f.shot(), QStringLiteral("settings-general"));
-        f.openTab(4);
+        f.openTab(5);
         QVERIFY(f.shown("settingsAbout"));
         keepScreenshot(f.shot(), QStringLiteral("settings-about"));
     }
@@ -379,7 +379,7 @@ private slots:
         TimerSession show = showOf({durationCue("Intro", 600)});
         show.name = QStringLiteral("Gala");
         f.engine.loadSession(show);
-        f.openTab(3);
+        f.openTab(4);
         QCOMPARE(f.text("sessionNameField"), QString()); // starts empty
         f.click("renameSession");
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Gala"));
@@ -394,7 +394,7 @@ private slots:
     {
         SettingsFixture f;
         f.engine.loadSession(showOf({durationCue("Intro", 600)}));
-        f.openTab(3);
+        f.openTab(4);
         QVERIFY(!f.shown("saveResult"));
         f.click("saveProject");
         const QString file = QDir(f.store.folder()).filePath(UuidText::canonical(f.engine.session().id) + ".orvprjct");
