@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Two real programs on 127.0.0.1, a main and its backup, each in its own home with its own ports.
 
-The backup follows the main through a TCP relay (a cable the test can pull). Checked: every
+The backup follows the main through a TCP relay (a cable the test can pull), its clock 3 s
+ahead of the main's (faketime): it counts from the main's instants put on its own clock. Every
 kind of change reaches the backup, with how long it took; both programs' OSC out give each
 second within a frame of each other; the cable pulled, then the main killed (kill -9) in mid-cue:
 the backup says the main is lost within 2 s and its OSC out goes on without a gap; Ctrl+Shift+T
@@ -148,12 +149,15 @@ def home(name, settings):
     return root
 
 
-def start(root, *arguments):
+def start(root, *arguments, clock_ahead=None):
     env = dict(os.environ, HOME=f"{root}/home", XDG_CONFIG_HOME=f"{root}/home/.config",
                XDG_CACHE_HOME=f"{root}/home/.cache", XDG_DATA_HOME=f"{root}/home/.local/share",
                XDG_RUNTIME_DIR=f"{root}/run", KAIRON_STARTUP_TRACE="1")
     log = open(f"{root}/trace", "a")
-    return subprocess.Popen([kairon, *arguments], env=env, stderr=log, stdout=log)
+    command = [kairon, *arguments]
+    if clock_ahead:
+        command = ["faketime", "-f", clock_ahead, *command]
+    return subprocess.Popen(command, env=env, stderr=log, stdout=log)
 
 
 def window_of(process):
@@ -163,7 +167,10 @@ def window_of(process):
 
 
 def snap(name, process):
+    """The process's window, raised over the other program's first: X grabs what the screen shows."""
     if shots and (window := window_of(process)):
+        subprocess.run(["xdotool", "windowactivate", "--sync", window], check=False)
+        time.sleep(0.3)  # its next frame
         subprocess.run(["import", "-window", window, os.path.join(shots, f"follow-{name}.png")], check=False)
 
 
@@ -205,14 +212,17 @@ try:
     processes.append(main)
     main_api, backup_api = Api(main_port, main_code), Api(backup_port, backup_code)
     poll(lambda: main_api.state(), 10, 0.02)
-    backup = start(backup_home)
+    backup = start(backup_home, clock_ahead="+3s")
     processes.append(backup)
     took = poll(lambda: backup_api.state()["follow"]["role"] == "follower", 15, 0.01)
     if took is None:
         raise SystemExit("FAIL: the backup never followed the main")
     state = backup_api.state()
+    ahead = (state["serverTimeMs"] - main_api.state()["serverTimeMs"]) / 1000
     print(f"followed {took:.2f} s after its launch: {state['sessionName']}, {len(state['cues'])} cues, "
-          f"follow = {json.dumps(state['follow'])}")
+          f"follow = {json.dumps(state['follow'])}; its clock {ahead:.2f} s ahead of the main's")
+    if not 2.9 < ahead < 3.1:
+        fail(f"the backup's clock is {ahead} s ahead, not 3")
     if state["sessionName"] != "Soirée" or state["follow"]["host"] != "127.0.0.1":
         fail(f"the backup shows {state['sessionName']} from {state['follow']['host']}")
 
@@ -231,7 +241,8 @@ try:
         ("clock mode", "clockmode", None, lambda s: s["clockMode"]),
         ("clock mode off", "clockmode", None, lambda s: not s["clockMode"]),
         ("blink", "blink", None, lambda s: s["blinkActive"]),
-        ("doors", "doors", {"at": "23:59"}, lambda s: s["doorsTargetMs"] is not None),
+        ("doors", "doors", {"at": "23:59"}, lambda s: s["doorsTargetMs"] is not None
+         and abs(s["doorsTargetMs"] - 3000 - main_api.state()["doorsTargetMs"]) < 20),
         ("doors off", "doors", {"at": None}, lambda s: s["doorsTargetMs"] is None),
         ("message off", "message", {"text": None}, lambda s: "Il reste 5 minutes" not in json.dumps(s, ensure_ascii=False)),
         ("next", "next", None, lambda s: s["activeCueIndex"] == 1),
@@ -293,8 +304,9 @@ try:
             fail("the backup never followed the main again")
         time.sleep(1)
     state, main_state = backup_api.state(), main_api.state()
+    # Read a moment apart, by two clocks 3 s apart: each counts down one second per second.
     if abs(state["liveRemaining"] - main_state["liveRemaining"]
-           - (state["serverTimeMs"] - main_state["serverTimeMs"]) / -1000) > 0.02:
+           + (state["serverTimeMs"] - 3000 - main_state["serverTimeMs"]) / 1000) > 0.02:
         fail(f"after the cable: the backup at {state['liveRemaining']}, the main at {main_state['liveRemaining']}")
     seconds_go_on(backup_osc, pulled_at, time.monotonic(), "the backup's OSC out, the cable pulled three times")
 
