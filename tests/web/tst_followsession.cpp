@@ -8,6 +8,9 @@
 #include "webfixture.h"
 
 #include <QHttpServer>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
 #include <QHttpServerResponse>
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -93,6 +96,20 @@ struct FakeMain {
     QHttpServer server;
     quint16 port = 0;
 };
+
+// An HTTP request to 127.0.0.1 and its answer: the status, then the body.
+std::pair<int, QByteArray> request(const QByteArray &method, quint16 port, const QString &path,
+                                   const QByteArray &code = {})
+{
+    QNetworkAccessManager network;
+    network.setProxy(QNetworkProxy::NoProxy);
+    QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port).arg(path)));
+    if (!code.isEmpty())
+        request.setRawHeader("Authorization", "Bearer " + code);
+    std::unique_ptr<QNetworkReply> reply(network.sendCustomRequest(request, method));
+    (void)QTest::qWaitFor([&] { return reply->isFinished(); }, 5000);
+    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
+}
 
 } // namespace
 
@@ -280,6 +297,52 @@ private slots:
         pair.advance(1000ms);
         QVERIFY(pair.main.f.engine.isRunning() && !pair.main.f.engine.isPaused());
         QCOMPARE(pair.main.f.engine.readClock().remaining, 600 - 5.2);
+    }
+
+    void theRoutesOfTheMainAndOfTheBackup()
+    {
+        Pair pair;
+        const quint16 mainPort = pair.main.server.serverPort();
+        // GET /api/show: the project document, with the code only.
+        QCOMPARE(request("GET", mainPort, QStringLiteral("/api/show")),
+                 std::make_pair(401, QByteArray("{\"error\":\"Code d'accès manquant ou incorrect\"}")));
+        const auto [status, body] = request("GET", mainPort, QStringLiteral("/api/show"), "CODE2345");
+        QCOMPARE(status, 200);
+        QCOMPARE(body, *ProjectDocument::encode(pair.main.f.engine.session()));
+        QCOMPARE(request("POST", mainPort, QStringLiteral("/api/show"), "CODE2345").first, 405);
+
+        // The backup's own server, on a port of its own, with its own code.
+        storeWebSettings(freeTcpPort());
+        Preferences::setWebAccessCode(QStringLiteral("BACK2345"));
+        WebServer backup(pair.follower.engine, pair.follower.clock);
+        backup.setFollowSession(&pair.follower.session);
+        backup.applyWebSettings();
+        const quint16 port = backup.serverPort();
+        const auto role = [&] {
+            const QJsonObject state = QJsonDocument::fromJson(request("GET", port, QStringLiteral("/api/state")).second).object();
+            return state.value(QStringLiteral("follow")).toObject();
+        };
+        QCOMPARE(role(), (QJsonObject{{"role", "main"}, {"host", QJsonValue()},
+                                      {"since", double(pair.follower.clock.now().toMSecsSinceEpoch())}}));
+        pair.follower.session.follow(QStringLiteral("127.0.0.1"), mainPort, QStringLiteral("CODE2345"));
+        QVERIFY(pair.mirrored());
+        QCOMPARE(role(), (QJsonObject{{"role", "follower"}, {"host", "127.0.0.1"},
+                                      {"since", double(pair.follower.clock.now().toMSecsSinceEpoch())}}));
+        QCOMPARE(request("POST", port, QStringLiteral("/api/play"), "BACK2345"),
+                 std::make_pair(409, QByteArray("{\"error\":\"Machine de secours : elle suit la régie principale et n'obéit qu'à elle "
+                                                 "(« Prendre la main » pour la commander)\"}")));
+        QVERIFY(!pair.follower.engine.isRunning());
+        QCOMPARE(request("POST", port, QStringLiteral("/api/takeover"), "CODE2345").first, 401);
+        QVERIFY(pair.follower.engine.isFollowing());
+        pair.follower.clock.advance(250ms);
+        const auto [taken, state] = request("POST", port, QStringLiteral("/api/takeover"), "BACK2345");
+        QCOMPARE(taken, 200);
+        QCOMPARE(QJsonDocument::fromJson(state).object().value(QStringLiteral("follow")).toObject(),
+                 (QJsonObject{{"role", "main"}, {"host", QJsonValue()},
+                              {"since", double(pair.follower.clock.now().toMSecsSinceEpoch())}}));
+        QCOMPARE(request("POST", port, QStringLiteral("/api/play"), "BACK2345").first, 200);
+        QVERIFY(pair.follower.engine.isRunning());
+        QVERIFY(!pair.main.f.engine.isRunning());
     }
 
     void aWrongCodeIsRefusedAndNothingIsFollowed()

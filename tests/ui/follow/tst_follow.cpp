@@ -3,10 +3,13 @@
 // banner red and counting and the alert heard; Ctrl+Shift+T; the settings' "Secours" tab typed
 // into and applied. Run on 1150 × 750 and 1920 × 1080 windows, and again at twice the scale.
 #include "pixels.h"
+#include "uuidtext.h"
 #include "../settings/settingsfixture.h"
 #include "theme.h"
 #include "../../web/webfixture.h"
 
+#include <QDir>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -134,6 +137,9 @@ private slots:
         QCOMPARE(f.engine.readClock().remaining, 900 - 35.0);
         QCOMPARE(f.item("consoleTime")->property("text").toString(), QStringLiteral("14:25"));
         QVERIFY(!f.item("transport")->isEnabled());
+        // The main's show is never written into this machine's library while it follows.
+        const QString file = QDir(f.store.folder()).filePath(UuidText::canonical(f.engine.session().id) + ".orvprjct");
+        QVERIFY(!QFile::exists(file));
         f.keepShot("lost");
 
         f.operatorWindow->requestActivate();
@@ -152,6 +158,9 @@ private slots:
         f.keepShot("taken-over");
         QTest::keyClick(f.operatorWindow, Qt::Key_Space);
         QVERIFY(f.engine.isPaused());
+        // Its show now, saved like any show it runs.
+        f.clock.advance(1000ms);
+        QTRY_VERIFY(QFile::exists(file));
     }
 
     void theSecoursTabAppliesItsFieldsAndSaysWhyNot()
