@@ -73,6 +73,7 @@ WebServer::WebServer(TimerEngine &engine, Clock &clock, QObject *parent)
     : QObject(parent), m_engine(engine), m_clock(clock), m_feed(engine, clock), m_followers(engine)
 {
     m_scheduleTimer = clock.createTimer([this] { scheduleMoved(); });
+    m_createdMs = clock.now().toMSecsSinceEpoch();
     connect(&engine, &TimerEngine::aboutToNotify, this, &WebServer::onEngineChanged);
 }
 
@@ -214,7 +215,7 @@ QJsonObject WebServer::stateDocument() const
     document.insert(QLatin1StringView("follow"),
                     QJsonObject{{"role", FollowSession::roleName(role)},
                                 {"host", role == FollowSession::Role::Main ? QJsonValue() : QJsonValue(m_follow->host())},
-                                {"since", m_follow ? QJsonValue(double(m_follow->sinceMs())) : QJsonValue()}});
+                                {"since", double(m_follow ? m_follow->sinceMs() : m_createdMs)}});
     return document;
 }
 

@@ -103,6 +103,7 @@ private:
     ViewerFeed m_feed;
     FollowerHub m_followers;
     FollowSession *m_follow = nullptr;
+    qint64 m_createdMs = 0; // a main since then, when no follow session is given
     std::unique_ptr<ClockTimer> m_scheduleTimer;
     bool m_pushedThisTurn = false;
     bool m_endOfTurnScheduled = false;

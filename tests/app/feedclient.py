@@ -112,11 +112,11 @@ class Viewer:
 
 def same_state(page, program):
     """The fields that differ between a page's view and GET /api/state, the clocks aside (read at
-    another instant)."""
+    another instant), and the machine's role as a backup, which only GET /api/state carries."""
     moving = {"remaining", "elapsed", "progress", "liveRemaining", "overtime", "serverTimeMs",
               "nextSecondAtMs", "liveNextSecondAtMs"}
     program = dict(program, cues=[{k: v for k, v in c.items() if k != "active"} for c in program["cues"]])
-    keys = (set(page) | set(program)) - moving
+    keys = (set(page) | set(program)) - moving - {"follow"}
     return sorted(k for k in keys if page.get(k) != program.get(k))
 
 

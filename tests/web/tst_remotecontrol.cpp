@@ -74,7 +74,11 @@ private slots:
 
         const auto [status, body] = post(server.serverPort(), "check", "CODE2345");
         QCOMPARE(status, 200);
-        QCOMPARE(body, before);
+        QJsonObject answered = body;
+        // A machine that follows no main is one, since the server began.
+        QCOMPARE(answered.take(QStringLiteral("follow")).toObject(),
+                 (QJsonObject{{"role", "main"}, {"host", QJsonValue()}, {"since", parisMs(14, 0)}}));
+        QCOMPARE(answered, before);
         QCOMPARE(post(server.serverPort(), "check", "WRONG").first, 401);
         QCOMPARE(webStateDocument(f.engine, f.clock), before);
         QVERIFY(!f.engine.isRunning());
