@@ -11,7 +11,8 @@ bool MainClockOffset::addRoundTrip(qint64 sentMs, qint64 mainMs, qint64 received
     m_samples.append({trip, double(mainMs) - double(sentMs + receivedMs) / 2.0});
     if (m_samples.size() > keptSamples)
         m_samples.removeFirst();
-    const auto best = std::min_element(m_samples.cbegin(), m_samples.cend(),
+    // Of trips as fast, the newest: the clocks may have drifted since the older.
+    const auto best = std::min_element(m_samples.crbegin(), m_samples.crend(),
                                        [](const Sample &a, const Sample &b) { return a.tripMs < b.tripMs; });
     const bool moved = !m_offsetMs || std::fabs(best->offsetMs - *m_offsetMs) >= 1;
     m_offsetMs = best->offsetMs;

@@ -8,8 +8,8 @@
 #include <optional>
 
 // How far a main machine's wall clock is from this one's, estimated from ping round trips as
-// the web pages do: of the last ten, the fastest trip says it best, the main having read its
-// clock about halfway through it.
+// the web pages do: of the last ten, the fastest trip says it best (the newest of equally fast
+// ones), the main having read its clock about halfway through it.
 class MainClockOffset
 {
 public:

@@ -124,5 +124,4 @@ void TimerEngine::mirror(const TimerSession *show, const LiveState &state, doubl
     resumeLiveState(state);
     if ((blinkSeconds > 0) != m_blinkActive)
         triggerBlink(blinkSeconds); // starts it, or ends one the main ended
-
 }

@@ -214,11 +214,12 @@ void FollowSession::socketMessage(const QString &text)
     heard();
     const QJsonObject message = QJsonDocument::fromJson(text.toUtf8()).object();
     if (const QJsonValue pong = message.value(QLatin1StringView("pong")); pong.isDouble()) {
-        const bool moved = m_offset.addRoundTrip(qint64(pong.toDouble()),
-                                                 qint64(message.value(QLatin1StringView("serverTimeMs")).toDouble()),
-                                                 m_clock.now().toMSecsSinceEpoch());
-        if (moved)
-            applyLive();
+        m_offset.addRoundTrip(qint64(pong.toDouble()),
+                              qint64(message.value(QLatin1StringView("serverTimeMs")).toDouble()),
+                              m_clock.now().toMSecsSinceEpoch());
+        // Twice a second, the clock shown is checked against the main's: two machines' quartz
+        // drift apart by a few milliseconds a minute, and a new estimate may move it.
+        applyLive();
         return;
     }
     if (const QJsonValue error = message.value(QLatin1StringView("error")); error.isString()) {
@@ -255,16 +256,18 @@ void FollowSession::applyLive()
         emit aboutToFollow();
         m_engine.setFollowing(true);
     }
-    if (m_showBytes != m_mirroredBytes) {
-        m_engine.mirror(&*m_show, local, blink);
+    const bool newShow = m_showBytes != m_mirroredBytes;
+    const bool moved = newShow || !m_engine.liveState().sameAs(local, resyncToleranceSeconds)
+                       || (blink > 0) != m_engine.blinkActive();
+    if (moved) {
+        m_engine.mirror(newShow ? &*m_show : nullptr, local, blink);
         m_mirroredBytes = m_showBytes;
-    } else if (!m_engine.liveState().sameAs(local, resyncToleranceSeconds)
-               || (blink > 0) != m_engine.blinkActive()) {
-        m_engine.mirror(nullptr, local, blink);
     }
+    const bool wasFollowing = m_role == Role::Follower;
     setRole(Role::Follower);
     setStatus(QStringLiteral("Suit %1").arg(address()), false);
-    emit mirrored();
+    if (moved || !wasFollowing)
+        emit mirrored();
 }
 
 // ---- Failures ---------------------------------------------------------------------------------------

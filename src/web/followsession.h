@@ -75,7 +75,7 @@ signals:
     void lost();
     // The main's show is about to take the engine for the first time since following began.
     void aboutToFollow();
-    // The main's show or state was put into the engine.
+    // The main's show or state was put into the engine, or the main is followed again.
     void mirrored();
     // This machine is the main now, by takeOver().
     void tookOver();

@@ -195,6 +195,22 @@ private slots:
         QCOMPARE(pair.follower.engine.completedCueLog().size(), 2);
     }
 
+    void aFollowerWhoseQuartzRanFastIsBroughtBackToTheMainsClock()
+    {
+        Pair pair;
+        pair.main.f.engine.start(0);
+        pair.follow();
+        QVERIFY(pair.mirrored());
+        pair.follower.clock.advance(30ms); // 30 ms more than the main's
+        QCOMPARE(pair.follower.engine.readClock().remaining, pair.main.f.engine.readClock().remaining - 0.030);
+        // The next ping leaves half a second after the first, at the end of this step: its round
+        // trip takes no time on these clocks, and says the new offset.
+        pair.advance(470ms);
+        QTRY_COMPARE(pair.follower.session.clockOffsetMs(), std::optional<double>(2970));
+        QCOMPARE(pair.follower.engine.readClock().remaining, pair.main.f.engine.readClock().remaining);
+        QCOMPARE(pair.follower.session.role(), FollowSession::Role::Follower);
+    }
+
     void whileFollowingNothingButTheMainMovesTheShow()
     {
         Pair pair;
