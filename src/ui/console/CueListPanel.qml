@@ -52,6 +52,7 @@ Rectangle {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             visible: !panel.engine.showLocked
+            enabled: !panel.engine.following
             symbol: "plus"
             iconSize: 16
             iconColor: AppTheme.accent
@@ -77,6 +78,7 @@ Rectangle {
         anchors.rightMargin: 10
         anchors.topMargin: visible ? 8 : 0
         monitor: panel.consoleController.linkedSheet
+        enabled: !panel.engine.following
         onShowChanges: panel.showLinkedSheetChanges()
     }
 
@@ -101,7 +103,8 @@ Rectangle {
 
         delegate: CueRow {
             width: cues.width
-            locked: panel.engine.showLocked
+            locked: panel.engine.showLocked || panel.engine.following
+            readOnly: panel.engine.following
             count: cues.count
             onSelectRequested: { panel.consoleController.selectCue(index); cues.forceActiveFocus(); }
             onStartRequested: panel.consoleController.startCue(index)
@@ -112,9 +115,10 @@ Rectangle {
 
         Keys.onUpPressed: panel.consoleController.selectCue(Math.max(0, currentIndex - 1))
         Keys.onDownPressed: panel.consoleController.selectCue(Math.min(count - 1, currentIndex + 1))
-        Keys.onReturnPressed: if (currentIndex >= 0) panel.editCue(currentIndex)
-        Keys.onEnterPressed: if (currentIndex >= 0) panel.editCue(currentIndex)
-        Keys.onDeletePressed: if (currentIndex >= 0 && !panel.engine.showLocked) panel.deleteCue(currentIndex)
+        Keys.onReturnPressed: if (currentIndex >= 0 && !panel.engine.following) panel.editCue(currentIndex)
+        Keys.onEnterPressed: if (currentIndex >= 0 && !panel.engine.following) panel.editCue(currentIndex)
+        Keys.onDeletePressed: if (currentIndex >= 0 && !panel.engine.showLocked && !panel.engine.following)
+                                  panel.deleteCue(currentIndex)
         onCurrentIndexChanged: if (currentIndex >= 0) positionViewAtIndex(currentIndex, ListView.Contain)
         // A show resumed at a later cue opens with that cue in view.
         Component.onCompleted: if (currentIndex >= 0) positionViewAtIndex(currentIndex, ListView.Contain)

@@ -29,6 +29,8 @@ Rectangle {
     required property bool shortfall
     required property bool endsBeforeStart
     required property bool locked // the show is locked: the running order cannot change
+    // A backup machine follows its main: the row is shown, never acted on.
+    property bool readOnly: false
     required property int count
 
     signal selectRequested
@@ -49,6 +51,7 @@ Rectangle {
         id: pointer
         anchors.fill: parent
         hoverEnabled: true
+        enabled: !row.readOnly
         onClicked: row.selectRequested()
         onDoubleClicked: row.startRequested()
     }
@@ -192,7 +195,7 @@ Rectangle {
         }
         Control { objectName: "cueUp" + row.index; symbol: "chevron.up"; iconSize: 12; visible: !row.locked; enabled: row.index > 0; onClicked: row.moveRequested(-1) }
         Control { objectName: "cueDown" + row.index; symbol: "chevron.down"; iconSize: 12; visible: !row.locked; enabled: row.index < row.count - 1; onClicked: row.moveRequested(1) }
-        Control { objectName: "cueEdit" + row.index; symbol: "pencil"; iconSize: 13; help: "Modifier le cue"; onClicked: row.editRequested() }
+        Control { objectName: "cueEdit" + row.index; symbol: "pencil"; iconSize: 13; visible: !row.readOnly; help: "Modifier le cue"; onClicked: row.editRequested() }
         Control { objectName: "cueDelete" + row.index; symbol: "trash"; iconSize: 13; visible: !row.locked; help: "Supprimer le cue"; onClicked: row.deleteRequested() }
     }
 

@@ -58,7 +58,6 @@ Rectangle {
         objectName: "cueListPanel"
         anchors.left: parent.left
         anchors.top: followBanner.bottom
-        enabled: !root.engine.following
         anchors.bottom: parent.bottom
         // A third of a 1150-wide window, its share growing to two fifths at 1920 (768 wide), and
         // no wider than 800: long names show whole while the timer keeps room.

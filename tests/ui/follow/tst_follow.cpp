@@ -98,9 +98,17 @@ private slots:
         QCOMPARE(f.engine.sessionName(), QStringLiteral("Soirée des lumières"));
         QCOMPARE(f.engine.remaining(), f.mainEngine.readClock().remaining);
         QCOMPARE(f.item("consoleTime")->property("text").toString(), QStringLiteral("08:58"));
-        for (const char *readOnly : {"transport", "messagePanel", "cueListPanel", "backToProjects", "saveProject",
+        for (const char *readOnly : {"transport", "messagePanel", "addCue", "backToProjects", "saveProject",
                                      "showLock", "doorsButton", "projectInfoButton"})
             QVERIFY2(!f.item(readOnly)->isEnabled(), readOnly);
+        // The list still scrolls; its rows show the cues and act on nothing.
+        QVERIFY(f.item("cueList")->isEnabled());
+        for (const char *hidden : {"cueEdit1", "cueDelete1", "cueUp1", "cueDown1"})
+            QVERIFY2(!f.item(hidden)->isVisible(), hidden);
+        QTest::mouseDClick(f.operatorWindow, Qt::LeftButton, {},
+                           f.item("cueRow1")->mapToScene(QPointF(40, 20)).toPoint());
+        QCOMPARE(f.engine.selectedCueIndex(), std::optional<int>(0));
+        QCOMPARE(f.engine.activeCueIndex(), std::optional<int>(0));
         QVERIFY(f.item("openSettings")->isEnabled());
         // The show's keys reach nothing: the main runs the show.
         f.operatorWindow->requestActivate();
@@ -150,7 +158,8 @@ private slots:
         QCOMPARE(f.engine.readClock().remaining, 900 - 35.0);
         QVERIFY(f.engine.isRunning() && !f.engine.isPaused());
         QVERIFY(f.item("transport")->isEnabled());
-        QVERIFY(f.item("cueListPanel")->isEnabled());
+        QVERIFY(f.item("addCue")->isEnabled());
+        QVERIFY(f.item("cueEdit1")->isVisible());
         QCOMPARE(Preferences::followSettings(),
                  (Preferences::FollowSettings{false, QStringLiteral("127.0.0.1"), port, QStringLiteral("CODE2345")}));
         QVERIFY(!Preferences::followSettings().enabled);
