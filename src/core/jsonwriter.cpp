@@ -1,6 +1,7 @@
 #include "jsonwriter.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
 #include <QStringList>
@@ -150,4 +151,9 @@ std::optional<QByteArray> writeProjectJson(const QJsonValue &value, QString *err
         return std::nullopt;
     }
     return writer.out;
+}
+
+QByteArray compactJsonKeepingMarks(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
 }

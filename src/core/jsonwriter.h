@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
 
@@ -14,6 +15,10 @@
 //
 // Fails (with a French reason in `error`) only for a number JSON cannot hold: NaN or infinity.
 std::optional<QByteArray> writeProjectJson(const QJsonValue &value, QString *error = nullptr);
+
+// Qt's compact JSON of `object`, with a byte-order mark written escaped: Qt's reader drops it,
+// raw, at the start of a text, and a cue name or a message read back would lose it.
+QByteArray compactJsonKeepingMarks(const QJsonObject &object);
 
 // The shortest decimal text that reads back to exactly `value` ("600", "0.1", "1e+21").
 QByteArray shortestNumberText(double value);

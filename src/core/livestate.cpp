@@ -1,5 +1,6 @@
 #include "livestate.h"
 
+#include "jsonwriter.h"
 #include "uuidtext.h"
 
 #include <QJsonArray>
@@ -101,9 +102,7 @@ QJsonObject toJson(const LiveState &s)
 
 QByteArray encode(const LiveState &s)
 {
-    // The byte-order mark is written escaped: Qt's reader drops it, raw, at the start of a text,
-    // and a cue name or a message read back would lose it. Outside texts the document has none.
-    return QJsonDocument(toJson(s)).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
+    return compactJsonKeepingMarks(toJson(s));
 }
 
 std::optional<LiveState> decode(const QByteArray &bytes, QString *error)

@@ -1,13 +1,9 @@
 #include "followerhub.h"
 
+#include "peersend.h"
 #include "timerengine.h"
 
 #include <QWebSocket>
-
-namespace {
-// What a follower may leave unread before it is dropped, as for the viewers.
-constexpr qint64 maxUnreadBytes = 1 << 20;
-} // namespace
 
 FollowerHub::FollowerHub(const TimerEngine &engine) : m_engine(engine) {}
 
@@ -61,11 +57,7 @@ void FollowerHub::engineChanged(bool sessionChanged)
 
 void FollowerHub::send(QWebSocket *follower, const QByteArray &message)
 {
-    if (follower->bytesToWrite() > maxUnreadBytes) {
-        follower->abort(); // its disconnected() removes it
-        return;
-    }
-    follower->sendTextMessage(QString::fromUtf8(message));
     // Into the system's buffers now: ahead of the frame this machine draws of the change.
-    follower->flush();
+    if (sendOrDrop(follower, QString::fromUtf8(message)))
+        follower->flush();
 }

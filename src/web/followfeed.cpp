@@ -1,6 +1,7 @@
 #include "followfeed.h"
 
-#include <QJsonDocument>
+#include "jsonwriter.h"
+
 #include <QJsonValue>
 
 namespace FollowFeed {
@@ -12,8 +13,7 @@ QByteArray message(const Live &live)
                            {"revision", double(live.revision)},
                            {"blinkSeconds", live.blinkSeconds},
                            {"live", LiveStateFile::toJson(live.state)}};
-    // Escaped like the recovery file: a reader drops a raw byte-order mark.
-    return QJsonDocument(body).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
+    return compactJsonKeepingMarks(body);
 }
 
 std::optional<Live> read(const QJsonObject &message, QString *error, std::optional<int> *otherProtocol)

@@ -2,6 +2,7 @@
 
 #include "clock.h"
 #include "followsession.h"
+#include "peersend.h"
 #include "preferences.h"
 #include "projectdocument.h"
 #include "requestgate.h"
@@ -34,9 +35,6 @@ void sendJson(QWebSocket *viewer, const QJsonObject &object)
     viewer->sendTextMessage(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
     viewer->flush();
 }
-
-// What a viewer may leave unread before it is dropped: hundreds of pushes.
-constexpr qint64 maxUnreadBytes = 1 << 20;
 
 QString followerRefusal()
 {
@@ -345,7 +343,7 @@ void WebServer::welcome(QWebSocket *viewer)
     if (!m_viewers.isEmpty())
         pushChanges();
     for (const QByteArray &message : m_feed.welcome())
-        send(viewer, QString::fromUtf8(message));
+        sendOrDrop(viewer, QString::fromUtf8(message));
     viewer->flush();
 }
 
@@ -469,7 +467,7 @@ bool WebServer::pushChanges()
     const QList<QWebSocket *> viewers = m_viewers; // a dropped viewer leaves the list
     for (QWebSocket *viewer : viewers) {
         for (const QString &message : std::as_const(messages))
-            send(viewer, message);
+            sendOrDrop(viewer, message);
         // Into the system's buffers now, not when the event loop next turns: ahead of the
         // frame the windows draw of this change, and of an HTTP command's answer.
         viewer->flush();
@@ -491,15 +489,4 @@ void WebServer::scheduleMoved()
     m_feed.stateChanged();
     pushChanges(); // nothing leaves unless the schedule (or anything else) changed
     followSchedule();
-}
-
-void WebServer::send(QWebSocket *viewer, const QString &message)
-{
-    // A viewer that stopped reading (a phone asleep on a dead link) would make the server hold
-    // every message for it; past a bound it is dropped and its page reconnects.
-    if (viewer->bytesToWrite() > maxUnreadBytes) {
-        viewer->abort(); // its disconnected() forgets it
-        return;
-    }
-    viewer->sendTextMessage(message);
 }

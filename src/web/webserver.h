@@ -85,7 +85,6 @@ private:
     void endTurn();
     // Sends every viewer what changed, if anything did; whether a message left.
     bool pushChanges();
-    void send(QWebSocket *viewer, const QString &message);
     // While viewers watch a show with a start time, wakes at each change of the instant its
     // schedule is read at: its offset grows between cues, when the engine does not tick.
     void followSchedule();
