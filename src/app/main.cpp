@@ -193,6 +193,9 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
     });
     QObject::connect(operatorWindow, &QQuickWindow::frameSwapped, operatorWindow,
                      [] { StartupTrace::mark("first-frame"); }, Qt::SingleShotConnection);
+    // The X server gone, Qt calls exit(1): the show's recovery file stays as it was, for the
+    // next launch, and the process ends without a crash.
+    exitAtOnceOnLibraryExit();
     return app.exec();
 }
 

@@ -8,3 +8,8 @@ void exitProcess(int status)
     std::fflush(nullptr);
     std::_Exit(status);
 }
+
+void exitAtOnceOnLibraryExit()
+{
+    std::atexit([] { exitProcess(EXIT_FAILURE); });
+}

@@ -2,14 +2,16 @@
 """Two real programs on 127.0.0.1, a main and its backup, each in its own home with its own ports.
 
 The backup follows the main through a TCP relay (a cable the test can pull), its clock 3 s
-ahead of the main's (faketime): it counts from the main's instants put on its own clock. Every
+ahead of the main's (libfaketime): it counts from the main's instants put on its own clock. Every
 kind of change reaches the backup, with how long it took; both programs' OSC out give each
 second within a frame of each other; the cable pulled, then the main killed (kill -9) in mid-cue:
 the backup says the main is lost within 2 s and its OSC out goes on without a gap; Ctrl+Shift+T
 pressed on the backup's window (xdotool) makes it the main, its transport obeys and its clock
-goes on without a jump; the old main started again changes nothing on it.
+goes on without a jump; the old main started again changes nothing on it; both quit on SIGTERM
+with status 0.
 Usage: follow.py KAIRON_BINARY WORK_DIR (on an X display, with xdotool and ImageMagick).
 """
+import glob
 import json
 import math
 import os
@@ -154,12 +156,13 @@ def start(root, *arguments, clock_ahead=None):
                XDG_CACHE_HOME=f"{root}/home/.cache", XDG_DATA_HOME=f"{root}/home/.local/share",
                XDG_RUNTIME_DIR=f"{root}/run", KAIRON_STARTUP_TRACE="1")
     log = open(f"{root}/trace", "a")
-    command = [kairon, *arguments]
     if clock_ahead:
-        command = ["faketime", "-f", clock_ahead, *command]
-        # libfaketime is preloaded: a sanitized program would refuse to run behind it.
+        # libfaketime preloaded into the program itself, not the faketime command, which would
+        # keep a SIGTERM to itself and leave the program running. A sanitized program would
+        # refuse to run behind a preloaded library.
+        env.update(LD_PRELOAD=glob.glob("/usr/lib/*/faketime/libfaketime.so.1")[0], FAKETIME=clock_ahead)
         env["ASAN_OPTIONS"] = ":".join(filter(None, [env.get("ASAN_OPTIONS"), "verify_asan_link_order=0"]))
-    return subprocess.Popen(command, env=env, stderr=log, stdout=log)
+    return subprocess.Popen([kairon, *arguments], env=env, stderr=log, stdout=log)
 
 
 def window_of(process):
@@ -360,14 +363,18 @@ try:
     if main_api.state()["running"]:
         fail("the old main runs a cue by itself")
 finally:
-    for process in processes:
-        if process.poll() is None:
-            process.send_signal(signal.SIGTERM)
+    # Both programs still running save and quit on SIGTERM, each with status 0.
+    running = [process for process in processes if process.poll() is None]
+    for process in running:
+        process.send_signal(signal.SIGTERM)
     for process in processes:
         try:
             process.wait(10)
         except subprocess.TimeoutExpired:
             process.kill()
+    for process in running:
+        if process.wait() != 0:
+            fail(f"a program stopped by SIGTERM ended with status {process.returncode}")
 
 if failures:
     sys.exit(f"{len(failures)} failure(s)")
