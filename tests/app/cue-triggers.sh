@@ -60,7 +60,7 @@ failing_triggers() {
 }
 cat > "$dir/show.orvprjct" <<JSON
 {"name": "Soirée", "cues": [
-  {"name": "Ouverture", "speaker": "Ana", "duration": 3, "warningThreshold": 2, "dangerThreshold": 1,
+  {"name": "Ouverture", "speaker": "Ana", "duration": 4, "warningThreshold": 3, "dangerThreshold": 1,
    "triggers": [
      {"when": "start", "name": "Lumières", "osc": $(osc /lights/go '{"type": "i", "value": "{index}"}, {"type": "s", "value": "{speaker}"}')},
      {"when": "warning", "name": "Avertissement", "osc": $(osc /warning '{"type": "i", "value": "{remaining}"}')},
@@ -79,7 +79,9 @@ wait_for_trace "$dir/trace" first-frame 1500 # up to 30 s under the sanitizers
 oscsend 127.0.0.1 "$listen" /kairon/play
 wait_for "$dir/osc" '/lights/go is 1 "Ana"$' || fail "no start trigger"
 wait_for "$dir/http" '"GET /go/\?start=1 HTTP/1.1" 200' || fail "no show-wide start trigger"
-wait_for "$dir/osc" '/warning i 1$' || fail "no warning trigger (2 s left, 1 shown)"
+# The warning's band is two seconds wide: the views' first yellow frame keeps a sanitized program
+# busy for a moment, which on a loaded machine can pass the tick that comes at 3 s left.
+wait_for "$dir/osc" '/warning i [12]$' || fail "no warning trigger (3 s left, 2 shown, 1 a moment later)"
 wait_for "$dir/osc" '/danger ,?$' || fail "no danger trigger"
 wait_for "$dir/osc" '/zero ,?$' || fail "no zero trigger"
 # In order, each once.
