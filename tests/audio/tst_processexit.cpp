@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <cstdlib>
 
 // A process that has opened an alert output and quits as the application does: torn down, then ended
 // by exitProcess(). Each must end normally with status 0 and what it printed last, however its
@@ -16,8 +17,15 @@ class TestProcessExit : public QObject
 {
     Q_OBJECT
 
+    // Says so on standard output when it is destroyed.
+    struct Announcer
+    {
+        ~Announcer() { std::fputs("statics destroyed\n", stdout); }
+    };
+
 public:
-    // A process of this test run with this variable set is one quitting application.
+    // A process of this test run with this variable set is one quitting application; set to
+    // "library", one whose library calls exit().
     static constexpr const char *childVariable = "KAIRON_EXIT_CHILD";
 
     static int runChild(int argc, char *argv[])
@@ -32,6 +40,19 @@ public:
         // Buffered, not yet written: exitProcess() must write it before the process ends.
         std::fputs("closed\n", stdout);
         exitProcess(7);
+    }
+
+    // A process in which a library calls exit() in the middle of the run, as Qt's X11 plugin does
+    // when the X server goes: the handler ends it with status 1, after writing what it printed,
+    // and before the destructors of the statics made until then.
+    [[noreturn]] static void runLibraryExitChild(int argc, char *argv[])
+    {
+        static const Announcer announcer;
+        QCoreApplication app(argc, argv);
+        SoundManager sounds;
+        exitAtOnceOnLibraryExit();
+        std::fputs("running\n", stdout);
+        std::exit(0);
     }
 
 private slots:
@@ -56,10 +77,25 @@ private slots:
             QCOMPARE(output, QByteArray("closed\n"));
         }
     }
+
+    void aLibraryExitEndsAtOnce()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(childVariable), QStringLiteral("library"));
+        QProcess child;
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(), {});
+        QVERIFY(child.waitForFinished(30000));
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 1);
+        QCOMPARE(child.readAllStandardOutput(), QByteArray("running\n"));
+    }
 };
 
 int main(int argc, char *argv[])
 {
+    if (qEnvironmentVariable(TestProcessExit::childVariable) == QStringLiteral("library"))
+        TestProcessExit::runLibraryExitChild(argc, argv);
     if (qEnvironmentVariableIsSet(TestProcessExit::childVariable))
         return TestProcessExit::runChild(argc, argv);
     QCoreApplication app(argc, argv);
