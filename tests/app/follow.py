@@ -192,7 +192,10 @@ def seconds_go_on(osc, since, until, what):
     worst = max(abs(g - 1) for g in gaps)
     print(f"{what}: {len(values)} seconds out ({values[0]} to {values[-1]}), "
           f"each {worst * 1000:.1f} ms at most from a second after the one before")
-    if worst > 0.05:
+    # A gap, a second held back while the backup loses or finds its main, is half a second off or
+    # more; a busy moment of a sanitized program on a loaded machine stays well under that (the
+    # figure printed above is what this run measured).
+    if worst > 0.5:
         fail(f"{what}: a second came {worst * 1000:.0f} ms off its pace")
 
 
