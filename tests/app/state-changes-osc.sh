@@ -71,7 +71,7 @@ command /kairon/blackout
 command /kairon/message s "Merci de conclure"
 # The commands are handled in order: once this one shows, all those before it were handled.
 command /kairon/adjust i -60
-wait_for '/kairon/remaining f 5[34][0-9]' || fail "the adjust never showed"
+wait_for '/kairon/remaining f 5[0-4][0-9]' || fail "the adjust never showed"
 if grep -qE '/kairon/(state|message) ' "$run/received"; then
     fail "changes of state were sent with the switch off"
 fi
@@ -79,8 +79,10 @@ echo "switch off: no /kairon/state nor /kairon/message"
 
 # ---- A show with a start time, the switch on ----------------------------------------------
 # Planned 150 s ago and not begun: 150 s late at launch, later each second while nothing runs.
+# The offsets read are taken from 140 to 199 s: a sanitized program may take half a minute to
+# its first frame.
 start planned true "$(date -u -d "@$(( $(date +%s) - 150 ))" +%Y-%m-%dT%H:%M:%SZ)"
-wait_for '/kairon/offset f 1[45][0-9]\.[0-9]+$' || fail "no offset at launch"
+wait_for '/kairon/offset f 1[4-9][0-9]\.[0-9]+$' || fail "no offset at launch"
 # The engine does not tick while no cue runs, yet the offset goes on growing and goes out at each
 # new whole second (rounded, as the console shows it). Counted from the console's first frame,
 # since a slow machine may hold the main loop while it builds the windows; that no second is
@@ -102,6 +104,6 @@ sort -nc <<< "$seconds" && [[ $(sort -nu <<< "$seconds") == "$seconds" ]] \
 command /kairon/play
 wait_for '/kairon/running i 1$' || fail "the per-second messages are gone"
 # With the per-second messages, right after the cue's name.
-grep -A1 '/kairon/cue s "Ouverture"$' "$run/received" | grep -qE '/kairon/offset f 1[45][0-9]\.' \
+grep -A1 '/kairon/cue s "Ouverture"$' "$run/received" | grep -qE '/kairon/offset f 1[4-9][0-9]\.' \
     || fail "no offset after /kairon/cue"
 echo "start time: /kairon/offset at launch, at each new second while waiting, and after /kairon/cue"

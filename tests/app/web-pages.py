@@ -1,9 +1,9 @@
 """The web pages of the real program in headless chromium (see web-pages.sh).
 
 Usage: web-pages.py KAIRON SHOW PORT CODE DIR
-The program is started, stopped and restarted here (its id written to DIR/pids) and driven with
-curl; the stage and confidence pages are open side by side, each in a window of its own. With
-KAIRON_SCREENSHOT_DIR set, the pages are also photographed at 390×844 and 1920×1080.
+The program is started, stopped and restarted here (its id written to DIR/pids) and driven over
+its HTTP API; the stage and confidence pages are open side by side, each in a window of its own.
+With KAIRON_SCREENSHOT_DIR set, the pages are also photographed at 390×844 and 1920×1080.
 """
 import asyncio
 import datetime
@@ -18,6 +18,7 @@ import zoneinfo
 
 from cdp import Chromium
 from checks import check, finish
+from webapi import Api
 
 kairon, show, port, code, workdir = sys.argv[1], sys.argv[2], int(sys.argv[3]), sys.argv[4], sys.argv[5]
 base = f"http://127.0.0.1:{port}"
@@ -72,17 +73,8 @@ class App:
             self.process.wait()
 
 
-def post(command, body=None):
-    args = ["curl", "-s", "-f", "-X", "POST", "-H", f"Authorization: Bearer {code}"]
-    if body is not None:
-        args += ["-H", "Content-Type: application/json", "--data-binary", json.dumps(body)]
-    return json.loads(subprocess.run(args + [f"{base}/api/{command}"], check=True,
-                                     stdout=subprocess.PIPE).stdout)
-
-
-def state():
-    return json.loads(subprocess.run(["curl", "-s", "-f", f"{base}/api/state"], check=True,
-                                     stdout=subprocess.PIPE).stdout)
+api = Api(port, code)
+post, state = api.post, api.state
 
 
 # ---- Expected texts ---------------------------------------------------------------------------
@@ -236,7 +228,14 @@ def live_expression(live):
 # ---- Checks -----------------------------------------------------------------------------------
 
 async def digit_timing(app, stage, confidence, skewed):
-    """Every change of the digits within 50 ms of the engine's instants: ms after each."""
+    """Every change of the digits on the engine's instants: ms after each.
+
+    A page that keeps the engine's second is a few milliseconds off it, except when the machine
+    holds the browser back a moment (a sanitized program beside it, a loaded CI machine): one
+    change may then come late. So each change is within 150 ms (a page counting on its own,
+    from a message's arrival or its own start, is up to half a second off), and half of them
+    within 25 ms, a frame and a half (a page off by a steady few frames fails here). The run
+    prints how close they came."""
     await stage.evaluate("window.__time = []")
     await skewed.evaluate("window.__time = []")
     await confidence.evaluate("window.__time = []; window.__clock = []")
@@ -268,7 +267,7 @@ async def digit_timing(app, stage, confidence, skewed):
             k = round((at - s[count_from]) / 1000)
             delta = at - (s[count_from] + k * 1000)
             deltas.append(delta)
-            check(-50 <= delta <= 50, f"{count_from}: a change {delta} ms from the engine's second")
+            check(-150 <= delta <= 150, f"{count_from}: a change {delta} ms from the engine's second")
             check(shown == shown_second_text(first_second - 1 - k),
                   f"{count_from}: {shown!r} shown after the change of second {k}")
     # The wall clock follows the page's estimate of the program's clock, which may be a few
@@ -277,9 +276,11 @@ async def digit_timing(app, stage, confidence, skewed):
         second = round(at / 1000) * 1000
         delta = at - second
         deltas.append(delta)
-        check(-50 <= delta <= 50, f"wall clock changed {delta} ms from a whole second")
+        check(-150 <= delta <= 150, f"wall clock changed {delta} ms from a whole second")
         check(shown == venue_time(second).strftime("%H:%M:%S"),
               f"wall clock {shown!r} at {venue_time(at)}")
+    middle = sorted(abs(d) for d in deltas)[len(deltas) // 2]
+    check(middle <= 25, f"half of the digits' changes {middle} ms or more from the engine's instants")
     return deltas
 
 
@@ -374,12 +375,12 @@ async def scenario(app, browser):
 
     # ---- Warning, danger ----
     post("start", {"index": 0})
-    post("adjust", {"seconds": -490})
+    api.set_remaining(105)
     await until(stage, "document.getElementById('time').textContent.startsWith('01:4')", "stage at 01:4x")
     await expect_colour(stage, "time", YELLOW, "warning stage digits yellow")
     await expect_colour(confidence, "time", YELLOW, "warning confidence digits yellow")
     await expect_colour(stage, "progress-fill", YELLOW, "progress bar in the state colour")
-    post("adjust", {"seconds": -90})
+    api.set_remaining(18)
     await until(stage, "document.getElementById('time').textContent.startsWith('00:1')", "stage at 00:1x")
     await expect_colour(stage, "time", RED, "danger stage digits red")
     await expect_colour(confidence, "time", RED, "danger confidence digits red")
@@ -397,7 +398,7 @@ async def scenario(app, browser):
     await until(stage, "document.getElementById('freeze').hidden", "freeze released")
 
     # ---- Overtime: sign, colour, pulse 1.0 / 0.35 every 0.6 s ----
-    post("adjust", {"seconds": -25})
+    api.set_remaining(-2)
     await until(stage, "document.getElementById('time').textContent.startsWith('-00:0')", "stage in overtime")
     await until(confidence, "document.getElementById('time').textContent.startsWith('-00:0')", "confidence in overtime")
     await stage.evaluate("window.__time = []")

@@ -21,3 +21,7 @@ class Api:
     def state(self):
         with urllib.request.urlopen(f"{self.base}/api/state") as answer:
             return json.load(answer)
+
+    def set_remaining(self, seconds):
+        """Brings the running cue to `seconds` remaining, however long the steps before took."""
+        self.post("adjust", {"seconds": seconds - self.state()["liveRemaining"]})
