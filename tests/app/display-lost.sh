@@ -11,12 +11,13 @@ source "$here/../support/web-sandbox.sh"
 web_sandbox "$dir" K7M2P9QX
 printf '{"id": "6F1C2B3A-0D4E-4F5A-8B6C-7D8E9FA0B1C2", "name": "Gala", "cues": [{"name": "Ouverture", "duration": 600}, {"name": "Débat", "duration": 900}]}' \
     > "$dir/gala.orvprjct"
-# The engine's state over the web, with the instant it was read: "cue running paused remaining instant".
+# The engine's state over the web, with the instant the program read its clock (not the instant
+# the answer arrived, which a busy program can delay): "cue running paused remaining instant".
 state() {
     curl -s "$base/api/state" | python3 -c '
-import json, sys, time
+import json, sys
 s = json.load(sys.stdin)
-print(s["activeCueIndex"], s["running"], s["paused"], s["remaining"], time.time())'
+print(s["activeCueIndex"], s["running"], s["paused"], s["remaining"], s["serverTimeMs"] / 1000)'
 }
 
 Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$dir/display" 2>"$dir/xvfb.log" &
