@@ -166,7 +166,8 @@ def start(root, *arguments, clock_ahead=None):
 
 
 def window_of(process):
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid), "--name", "^Kairon$"],
+    # --all: xdotool takes a window that meets any one of the conditions otherwise.
+    found = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", "--pid", str(process.pid), "--name", "^Kairon$"],
                            capture_output=True, text=True).stdout.split()
     return found[0] if found else None
 
