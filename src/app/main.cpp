@@ -143,11 +143,13 @@ int runApplication(int argc, char *argv[], const CommandLine &commandLine)
     const std::optional<QString> file = commandLine.projectFiles.isEmpty()
                                             ? std::nullopt
                                             : std::optional(commandLine.projectFiles.first());
-    if (!recovery.resumeIfInterrupted(file) && file && !LaunchProject::open(*file, store, engine, flow, toasts)
-        && commandLine.projectFiles.size() > 1) {
-        const QString ignored = commandLine.ignoredFilesWarning();
-        qWarning().noquote() << "kairon :" << ignored;
-        LaunchProject::toastOnArrival(flow, toasts, AppFlowState::Workspace, ignored, ToastMessage::Info);
+    if (!recovery.resumeIfInterrupted(file) && file && !LaunchProject::open(*file, store, engine, flow, toasts)) {
+        recovery.showOpenedFrom(*file);
+        if (commandLine.projectFiles.size() > 1) {
+            const QString ignored = commandLine.ignoredFilesWarning();
+            qWarning().noquote() << "kairon :" << ignored;
+            LaunchProject::toastOnArrival(flow, toasts, AppFlowState::Workspace, ignored, ToastMessage::Info);
+        }
     }
     SettingsController settings(engine, network, web, store);
     // As a backup of a main machine, when the preferences say so: before any window shows,

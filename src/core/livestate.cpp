@@ -72,7 +72,7 @@ QJsonObject toJson(const LiveState &s)
         outputs.append(QJsonObject{{"window", output.window},
                                    {"screen", output.screen},
                                    {"fullScreen", output.fullScreen}});
-    return QJsonObject{
+    QJsonObject o{
         {"version", formatVersion},
         {"session", UuidText::canonical(s.sessionID)},
         {"activeCue", s.activeCueID ? QJsonValue(UuidText::canonical(*s.activeCueID)) : QJsonValue()},
@@ -98,6 +98,9 @@ QJsonObject toJson(const LiveState &s)
         {"showLocked", s.showLocked},
         {"outputs", outputs},
     };
+    if (!s.projectFile.isEmpty())
+        o.insert("projectFile", s.projectFile);
+    return o;
 }
 
 QByteArray encode(const LiveState &s)
@@ -173,6 +176,7 @@ std::optional<LiveState> fromJson(const QJsonObject &o, QString *error)
         s.outputs.append({output.value("window").toString(), output.value("screen").toString(),
                           output.value("fullScreen").toBool()});
     }
+    s.projectFile = o.value("projectFile").toString();
     // Durations within a year of seconds and instants within the years 1970 to 5138: a clock
     // outside them is no show's, and the resumption's arithmetic stays far from overflowing.
     const auto duration = [](double seconds) { return std::isfinite(seconds) && std::fabs(seconds) <= maxSeconds; };

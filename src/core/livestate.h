@@ -50,6 +50,10 @@ struct LiveState {
     std::optional<qint64> doorsTargetMs; // wall clock
     bool showLocked = false;
     QList<Output> outputs;
+    // The project file the show was opened from, while the library holds no file of it yet (it
+    // was opened from elsewhere and not saved since); empty otherwise. Kept by the recovery file
+    // alone: the engine's own live state never names a file.
+    QString projectFile;
 
     bool operator==(const LiveState &) const = default;
 

@@ -29,12 +29,17 @@ QString SessionStore::folder() const
     return path;
 }
 
+QString SessionStore::fileOf(const QUuid &id) const
+{
+    return QDir(folder()).filePath(UuidText::canonical(id) + u'.' + extension);
+}
+
 std::optional<QString> SessionStore::save(const TimerSession &session, QString *error) const
 {
     const std::optional<QByteArray> bytes = ProjectDocument::encode(session, error);
     if (!bytes)
         return std::nullopt;
-    const QString path = QDir(folder()).filePath(UuidText::canonical(session.id) + u'.' + extension);
+    const QString path = fileOf(session.id);
     if (!UserFolders::writeAtomically(path, *bytes, error))
         return std::nullopt;
     return path;
@@ -119,7 +124,7 @@ std::optional<QString> SessionStore::adopt(const QString &path, const TimerSessi
 {
     const QFileInfo opened(path);
     const bool inLibrary = QFileInfo(opened.absolutePath()) == QFileInfo(folder());
-    if (!inLibrary || opened.fileName() == UuidText::canonical(session.id) + u'.' + extension)
+    if (!inLibrary || opened.fileName() == QFileInfo(fileOf(session.id)).fileName())
         return path;
     return saveInPlaceOf(path, session, error);
 }

@@ -40,6 +40,8 @@ public:
     // ignored here and shows at the next read or write.
     QString folder() const;
 
+    // The show's own file in the library, <ID>.orvprjct, whether it exists or not.
+    QString fileOf(const QUuid &id) const;
     // Writes the show as <ID>.orvprjct, replacing that file atomically; returns its path.
     std::optional<QString> save(const TimerSession &session, QString *error = nullptr) const;
     // The project files, newest first by modification date; ties keep the directory's order,

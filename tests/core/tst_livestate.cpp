@@ -58,6 +58,13 @@ private slots:
         paused.paused = true;
         paused.pausedSinceMs = s.capturedAtMs - 4'000;
         QCOMPARE(*LiveStateFile::decode(LiveStateFile::encode(paused)), paused);
+
+        // The file a show not yet in the library was opened from; named only when there is one.
+        LiveState opened = s;
+        opened.projectFile = QStringLiteral("/home/régie/Spectacles/Gala 2026.orvprjct");
+        QCOMPARE(*LiveStateFile::decode(LiveStateFile::encode(opened)), opened);
+        QVERIFY(LiveStateFile::encode(opened).contains("\"projectFile\":\"/home/r\xc3\xa9gie/Spectacles/Gala 2026.orvprjct\""));
+        QVERIFY(!LiveStateFile::encode(s).contains("projectFile"));
     }
 
     void aByteOrderMarkInATextReadsBack()

@@ -20,13 +20,13 @@ post() { curl -s -o /dev/null -X POST -H "Authorization: Bearer $web_code" -H 'C
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 
-# start_kairon BINARY PROJECT: the real program on PROJECT, its standard error in $dir/traceN
+# start_kairon BINARY [PROJECT]: the real program on PROJECT, its standard error in $dir/traceN
 # (N counting the launches), its id in $kairon_pid and $pids; returns once it serves and has
 # drawn its first frame.
 launches=0
 start_kairon() {
     launches=$((launches + 1))
-    KAIRON_STARTUP_TRACE=1 "$1" "$2" 2> "$dir/trace$launches" &
+    KAIRON_STARTUP_TRACE=1 "$1" "${@:2}" 2> "$dir/trace$launches" &
     kairon_pid=$!
     pids+=("$kairon_pid")
     wait_for_web "$dir/trace$launches"

@@ -2,11 +2,12 @@
 
 #include "diskwrite.h"
 #include "userfolders.h"
-#include "uuidtext.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMetaMethod>
 #include <QStandardPaths>
 
@@ -65,23 +66,30 @@ bool ShowRecovery::resumeIfInterrupted(const std::optional<QString> &requestedPr
         setAside(error);
         return false;
     }
-    // The show is saved in the library under its id; until its first save it is only where it
-    // was opened from, which the command line names again.
-    if (requestedProject) {
-        const std::optional<TimerSession> requested = m_store.read(*requestedProject);
-        if (!requested || requested->id != state->sessionID) {
-            setAside(QStringLiteral("un autre projet a été ouvert"));
-            return false;
-        }
+    if (requestedProject && !sameShow(*requestedProject, *state)) {
+        setAside(QStringLiteral("un autre projet a été ouvert"));
+        return false;
     }
-    QString project = QDir(m_store.folder())
-                          .filePath(UuidText::canonical(state->sessionID) + u'.' + SessionStore::extension);
-    if (!QFileInfo::exists(project) && requestedProject)
-        project = *requestedProject;
-    const std::optional<TimerSession> session = m_store.read(project, &error);
+    // The show is saved in the library under its id; until its first save it is only where it
+    // was opened from: the file the command line names again, or the one the recovery file
+    // keeps (a relaunch from the desktop names none).
+    const QString inLibrary = m_store.fileOf(state->sessionID);
+    const bool saved = QFileInfo::exists(inLibrary);
+    const QString project = saved ? inLibrary : requestedProject.value_or(state->projectFile);
+    if (!saved && (project.isEmpty() || !sameShow(project, *state))) {
+        setAside(QStringLiteral("le projet n'est plus là où il a été ouvert"));
+        return false;
+    }
+    std::optional<TimerSession> session = m_store.read(project, &error);
     if (!session) {
         setAside(error);
         return false;
+    }
+    if (!saved) {
+        // A file that does not write its show's id gets a new one at every read: the show
+        // keeps the one it had, and its file is kept for the next interruption.
+        session->id = state->sessionID;
+        m_projectFile = QFileInfo(project).absoluteFilePath();
     }
 
     m_engine.loadSession(*session);
@@ -105,6 +113,29 @@ bool ShowRecovery::resumeIfInterrupted(const std::optional<QString> &requestedPr
     m_written = state;
     scheduleCapture();
     return true;
+}
+
+bool ShowRecovery::sameShow(const QString &path, const LiveState &state) const
+{
+    const std::optional<TimerSession> show = m_store.read(path);
+    if (!show)
+        return false;
+    if (show->id == state.sessionID)
+        return true;
+    // A file that does not write its show's id is the same show when it is the file the show
+    // was opened from.
+    QFile file(path);
+    const bool writesItsId = file.open(QIODevice::ReadOnly)
+                             && QJsonDocument::fromJson(file.readAll()).object().contains(QLatin1StringView("id"));
+    return !writesItsId && !state.projectFile.isEmpty()
+           && QFileInfo(path).absoluteFilePath() == state.projectFile;
+}
+
+void ShowRecovery::showOpenedFrom(const QString &path)
+{
+    m_projectFile = QFileInfo::exists(m_store.fileOf(m_engine.session().id)) ? QString()
+                                                                             : QFileInfo(path).absoluteFilePath();
+    scheduleCapture();
 }
 
 void ShowRecovery::setAside(const QString &reason)
@@ -133,6 +164,7 @@ void ShowRecovery::capture()
     LiveState state = m_engine.liveState();
     if (m_readOutputs)
         state.outputs = m_readOutputs();
+    state.projectFile = m_projectFile;
     if (m_written && m_written->sameAs(state))
         return;
     m_written = state;
@@ -169,5 +201,6 @@ void ShowRecovery::showClosed()
     m_retry->stop();
     m_written.reset();
     m_outputsToReopen.clear();
+    m_projectFile.clear();
     QFile::remove(m_path);
 }

@@ -51,6 +51,10 @@ public:
     // The output windows to put back, as the resumed show had them; empty otherwise.
     QList<LiveState::Output> outputsToReopen() const { return m_outputsToReopen; }
 
+    // The show on the console was opened from the project file at `path` (the command line's):
+    // until the library holds a file of it, a relaunch with no file named finds it there.
+    void showOpenedFrom(const QString &path);
+
     void setOutputReader(OutputReader reader) { m_readOutputs = std::move(reader); }
     // An output window was shown, hidden or moved.
     void outputsMoved() { scheduleCapture(); }
@@ -68,6 +72,9 @@ private:
     void capture();
     void written(const QString &error);
     void setAside(const QString &reason);
+    // Whether the project file at `path` holds the show of `state`: the same id, or no id of its
+    // own and the file the show was opened from.
+    bool sameShow(const QString &path, const LiveState &state) const;
 
     TimerEngine &m_engine;
     const SessionStore &m_store;
@@ -81,4 +88,5 @@ private:
     bool m_captureQueued = false;
     bool m_writeFailing = false; // told once, until a write succeeds again
     QList<LiveState::Output> m_outputsToReopen;
+    QString m_projectFile; // see LiveState::projectFile
 };

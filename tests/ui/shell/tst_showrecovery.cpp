@@ -4,6 +4,7 @@
 #include "appflowstate.h"
 #include "enginefixture.h"
 #include "fulldisk.h"
+#include "launchproject.h"
 #include "reportexporter.h"
 #include "sessionstore.h"
 #include "showrecovery.h"
@@ -72,6 +73,31 @@ QStringList reportRows(const Program &p)
     QStringList rows = QString::fromUtf8(fileBytes(*path)).split(u'\n');
     QFile::remove(*path);
     return rows;
+}
+
+// A project file outside the library, such as a double click opens: two cues, and the show's
+// id when `withId`.
+QString showFileElsewhere(bool withId, const QByteArray &id = "6F1C2B3A-0D4E-4F5A-8B6C-7D8E9FA0B1C2")
+{
+    const QString folder = QDir::home().filePath(QStringLiteral("Spectacles"));
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/gala.orvprjct");
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write("{" + (withId ? "\"id\": \"" + id + "\", " : QByteArray())
+               + "\"name\": \"Gala\", \"cues\": [{\"name\": \"Ouverture\", \"duration\": 600}, "
+                 "{\"name\": \"D\u00e9bat\", \"duration\": 900}]}");
+    return path;
+}
+
+// The program launched on the project file at `path`, as the command line opens it, the
+// first cue started.
+void openAndStart(Program &p, const QString &path)
+{
+    QVERIFY(!LaunchProject::open(path, p.store, p.f.engine, p.flow, p.toasts));
+    p.recovery.showOpenedFrom(path);
+    p.flow.setStage(AppFlowState::Workspace);
+    p.f.engine.start(0);
 }
 
 } // namespace
@@ -289,6 +315,68 @@ private slots:
         QVERIFY(!QFile::exists(after.recovery.filePath()));
         QCOMPARE(after.toasts.text(),
                  QStringLiteral("Reprise impossible, fichier de reprise mis de côté : un autre projet a été ouvert"));
+    }
+
+    // Opened from a file outside the library and interrupted before any save: the library
+    // has no file of the show, and the relaunch finds it where it was opened from, named again
+    // on the command line or not (a relaunch from the desktop). A file that does not write its
+    // show's id is the same show there: the show keeps its id, through a second interruption.
+    void aShowOpenedFromElsewhereResumesWithoutASave_data()
+    {
+        QTest::addColumn<bool>("withId");
+        QTest::addColumn<bool>("namedAgain");
+        QTest::newRow("its id, named again") << true << true;
+        QTest::newRow("its id, no file named") << true << false;
+        QTest::newRow("no id, named again") << false << true;
+        QTest::newRow("no id, no file named") << false << false;
+    }
+    void aShowOpenedFromElsewhereResumesWithoutASave()
+    {
+        QFETCH(bool, withId);
+        QFETCH(bool, namedAgain);
+        const QString path = showFileElsewhere(withId);
+        auto before = std::make_unique<Program>(showStart);
+        openAndStart(*before, path);
+        const QUuid id = before->f.engine.session().id;
+        before->f.clock.advance(70s);
+        const QString recovery = before->recovery.filePath();
+        QTRY_VERIFY(written(recovery));
+        QCOMPARE(written(recovery)->projectFile, QFileInfo(path).absoluteFilePath());
+        const QString library = before->store.folder();
+        before.reset();
+        QVERIFY(QDir(library).entryList(QDir::Files).isEmpty());
+
+        for (int launch = 1; launch <= 2; ++launch) {
+            Program after(showStart.addSecs(70 + 10 * launch));
+            QVERIFY(after.recovery.resumeIfInterrupted(namedAgain ? std::optional(path) : std::nullopt));
+            QCOMPARE(after.toasts.text(), QStringLiteral("Reprise après interruption : cue 1 « Ouverture » à %1")
+                                              .arg(launch == 1 ? "08:40" : "08:30"));
+            QCOMPARE(after.f.engine.session().id, id);
+            QCOMPARE(after.f.engine.session().cues[1].name, QStringLiteral("D\u00e9bat"));
+            QVERIFY(after.f.engine.isRunning());
+            // Written again at once, its project file named still: the next interruption resumes too.
+            QTRY_VERIFY(written(recovery) && written(recovery)->capturedAtMs == after.f.clock.now().toMSecsSinceEpoch());
+            QCOMPARE(written(recovery)->projectFile, QFileInfo(path).absoluteFilePath());
+        }
+    }
+
+    // The file the show was opened from replaced by another show, or gone: nothing is taken
+    // for the show, and the recovery file is set aside.
+    void anotherShowWhereTheShowWasOpenedIsNotTaken()
+    {
+        const QString path = showFileElsewhere(false);
+        auto before = std::make_unique<Program>(showStart);
+        openAndStart(*before, path);
+        QTRY_VERIFY(written(before->recovery.filePath()));
+        before.reset();
+
+        showFileElsewhere(true, "0A1B2C3D-4E5F-4A6B-8C7D-8E9F0A1B2C3D");
+        Program after(showStart.addSecs(60));
+        QVERIFY(!after.recovery.resumeIfInterrupted());
+        QCOMPARE(after.toasts.text(), QStringLiteral("Reprise impossible, fichier de reprise mis de côté : "
+                                                     "le projet n'est plus là où il a été ouvert"));
+        QCOMPARE(after.flow.stage(), AppFlowState::Splash);
+        QVERIFY(!QFile::exists(after.recovery.filePath()));
     }
 
 private:
