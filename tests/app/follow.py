@@ -356,6 +356,8 @@ try:
         fail("the backup is still set to follow after the takeover")
 
     # ---- The old main comes back: the new one stays its own --------------------------------
+    # The old main was killed in mid-cue: it takes its own show up where its clock is, as any
+    # interrupted program does, and neither follows the new main nor changes it.
     main = start(main_home, show)
     processes.append(main)
     poll(lambda: main_api.state(), 10, 0.02)
@@ -364,8 +366,10 @@ try:
     if state["follow"]["role"] != "main" or not state["paused"] or abs(state["remaining"] - paused["remaining"]) > 1e-6:
         fail(f"the old main's return changed the backup: {state['follow']}, paused {state['paused']}, "
              f"remaining {state['remaining']} (was {paused['remaining']})")
-    if main_api.state()["running"]:
-        fail("the old main runs a cue by itself")
+    old = main_api.state()
+    if old["follow"]["role"] != "main" or not old["running"] or old["paused"] or old["activeCueIndex"] != 0:
+        fail(f"the old main came back as {old['follow']}, running {old['running']}, paused {old['paused']}, "
+             f"cue {old['activeCueIndex']}: not its own show where its clock is")
 finally:
     # Both programs still running save and quit on SIGTERM, each with status 0.
     running = [process for process in processes if process.poll() is None]
